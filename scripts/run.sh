@@ -1,0 +1,7 @@
+#!/usr/bin/env bash
+# Sets up the machine, builds, and starts Vorlane. Arguments are passed to the program.
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+"$root/scripts/setup.sh"
+build_dir=$("$root/scripts/build.sh" | tail -n 1)
+exec "$build_dir/src/ui/vorlane" "$@"

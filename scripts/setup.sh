@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# Installs, with apt-get, whatever a Debian 12 machine lacks for building, running and testing
+# Vorlane. Quick and silent when everything is already there; works as root or through sudo.
+set -euo pipefail
+
+packages=(
+  # build
+  cmake ninja-build g++ pkg-config clang-format git
+  # core
+  libicu-dev libsqlite3-dev libssl-dev nlohmann-json3-dev libboost-dev
+  # platform and ui
+  qt6-base-dev libqt6svg6 qt6-qpa-plugins libsecret-1-dev libpam0g-dev libglib2.0-dev
+  breeze-icon-theme hicolor-icon-theme fonts-dejavu-core
+  # tests and benchmarks
+  libgtest-dev libgmock-dev libbenchmark-dev
+  dbus dbus-daemon gnome-keyring libpam-wrapper libpam-modules
+  xvfb xauth sqlite3
+  # fuzzing (clang's libFuzzer and sanitizer runtimes)
+  clang libclang-rt-14-dev
+)
+
+missing=()
+for p in "${packages[@]}"; do
+  status=$(dpkg-query -W -f='${db:Status-Abbrev}' "$p" 2>/dev/null || true)
+  [[ "$status" == ii* ]] || missing+=("$p")
+done
+[[ ${#missing[@]} -eq 0 ]] && exit 0
+
+if [[ $(id -u) -eq 0 ]]; then
+  sudo=()
+elif command -v sudo >/dev/null; then
+  sudo=(sudo)
+else
+  echo "setup: these packages are missing and neither root nor sudo is available: ${missing[*]}" >&2
+  exit 1
+fi
+
+echo "setup: installing ${missing[*]}"
+export DEBIAN_FRONTEND=noninteractive
+"${sudo[@]}" apt-get update -qq
+"${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null

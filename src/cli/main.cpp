@@ -1,0 +1,79 @@
+// vorlane-cli: the vault from a terminal, for scripts, demos and the recipient of an export.
+
+#include "CliCommand.h"
+#include "ProcessHardening.h"
+
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using vorlane::CliCommand;
+
+std::vector<std::unique_ptr<CliCommand>> makeCommands()
+{
+    std::vector<std::unique_ptr<CliCommand>> commands;
+    return commands;
+}
+
+void printHelp(const std::vector<std::unique_ptr<CliCommand>>& commands)
+{
+    std::cout << "Usage: vorlane-cli [--vault PATH] [--json] COMMAND [ARGUMENTS]\n\n"
+                 "Global options:\n"
+                 "  --vault PATH   use the vault file at PATH instead of the default one\n"
+                 "  --json         print one JSON object per line\n"
+                 "  --help         show this help\n"
+                 "  --version      show the version\n\n"
+                 "Commands:\n";
+    for (const auto& command : commands) {
+        std::cout << "  " << command->usage() << "\n";
+    }
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    vorlane::ProcessHardening::disableCoreDumps();
+    const auto commands = makeCommands();
+
+    vorlane::CliInvocation invocation{{}, false, {}, std::cin, std::cout, std::cerr};
+    std::string commandName;
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        if (argument == "--help" || argument == "-h") {
+            printHelp(commands);
+            return 0;
+        }
+        if (argument == "--version") {
+            std::cout << "vorlane-cli " << VORLANE_VERSION << "\n";
+            return 0;
+        }
+        if (argument == "--json") {
+            invocation.json = true;
+        } else if (argument == "--vault") {
+            if (i + 1 >= argc) {
+                std::cerr << "vorlane-cli: --vault needs a path\n";
+                return 2;
+            }
+            invocation.vaultPath = argv[++i];
+        } else if (commandName.empty()) {
+            commandName = argument;
+        } else {
+            invocation.arguments.push_back(argument);
+        }
+    }
+    if (commandName.empty()) {
+        printHelp(commands);
+        return 2;
+    }
+    for (const auto& command : commands) {
+        if (command->name() == commandName) {
+            return command->run(invocation);
+        }
+    }
+    std::cerr << "vorlane-cli: unknown command \"" << commandName << "\" (see --help)\n";
+    return 2;
+}

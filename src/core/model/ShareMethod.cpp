@@ -1,0 +1,17 @@
+#include "model/ShareMethod.h"
+
+namespace vorlane {
+
+namespace {
+
+constexpr std::array<std::string_view, ShareMethod::caseCount> displayNames{
+    "Encrypted Export",
+    "Redacted Summary",
+    "Full Encrypted Bundle",
+};
+
+} // namespace
+
+std::string_view ShareMethod::displayName() const { return displayNames[index()]; }
+
+} // namespace vorlane

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "util/Clock.h"
+
+namespace vorlane {
+
+// The real wall clock. Stateless; safe from any thread.
+class SystemClock final : public Clock {
+public:
+    Instant now() const override;
+};
+
+} // namespace vorlane

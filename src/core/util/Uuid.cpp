@@ -1,0 +1,98 @@
+#include "util/Uuid.h"
+
+#include <openssl/rand.h>
+
+#include <cstring>
+#include <random>
+
+namespace vorlane {
+
+namespace {
+
+int hexValue(char c)
+{
+    if (c >= '0' && c <= '9') {
+        return c - '0';
+    }
+    if (c >= 'a' && c <= 'f') {
+        return c - 'a' + 10;
+    }
+    if (c >= 'A' && c <= 'F') {
+        return c - 'A' + 10;
+    }
+    return -1;
+}
+
+bool isDashPosition(std::size_t i) { return i == 8 || i == 13 || i == 18 || i == 23; }
+
+} // namespace
+
+Uuid Uuid::generate()
+{
+    Bytes bytes{};
+    if (RAND_bytes(bytes.data(), static_cast<int>(bytes.size())) != 1) {
+        // OpenSSL's generator only fails when it cannot seed; the kernel's source still can.
+        std::random_device device;
+        for (auto& byte : bytes) {
+            byte = static_cast<std::uint8_t>(device());
+        }
+    }
+    bytes[6] = static_cast<std::uint8_t>((bytes[6] & 0x0F) | 0x40); // version 4
+    bytes[8] = static_cast<std::uint8_t>((bytes[8] & 0x3F) | 0x80); // RFC 4122 variant
+    return Uuid(bytes);
+}
+
+std::optional<Uuid> Uuid::fromString(std::string_view text)
+{
+    if (text.size() != 36) {
+        return std::nullopt;
+    }
+    Bytes bytes{};
+    std::size_t byte = 0;
+    for (std::size_t i = 0; i < text.size();) {
+        if (isDashPosition(i)) {
+            if (text[i] != '-') {
+                return std::nullopt;
+            }
+            ++i;
+            continue;
+        }
+        const int high = hexValue(text[i]);
+        const int low = hexValue(text[i + 1]);
+        if (high < 0 || low < 0) {
+            return std::nullopt;
+        }
+        bytes[byte++] = static_cast<std::uint8_t>(high * 16 + low);
+        i += 2;
+    }
+    return Uuid(bytes);
+}
+
+std::string Uuid::toString() const
+{
+    static constexpr char digits[] = "0123456789ABCDEF";
+    std::string text;
+    text.reserve(36);
+    for (std::size_t i = 0; i < m_bytes.size(); ++i) {
+        if (i == 4 || i == 6 || i == 8 || i == 10) {
+            text.push_back('-');
+        }
+        text.push_back(digits[m_bytes[i] >> 4]);
+        text.push_back(digits[m_bytes[i] & 0x0F]);
+    }
+    return text;
+}
+
+bool Uuid::isNil() const { return *this == Uuid(); }
+
+} // namespace vorlane
+
+std::size_t std::hash<vorlane::Uuid>::operator()(const vorlane::Uuid& uuid) const noexcept
+{
+    // Random UUIDs are already uniformly distributed: any 8 bytes make a good hash.
+    std::uint64_t a = 0;
+    std::uint64_t b = 0;
+    std::memcpy(&a, uuid.bytes().data(), 8);
+    std::memcpy(&b, uuid.bytes().data() + 8, 8);
+    return static_cast<std::size_t>(a ^ (b * 0x9E3779B97F4A7C15ULL));
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+#include <string>
+#include <string_view>
+
+namespace vorlane {
+
+// Core text is UTF-8 std::string; widgets want QString. The one place that converts.
+inline QString toQString(std::string_view text)
+{
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+inline std::string toStdString(const QString& text) { return text.toStdString(); }
+
+} // namespace vorlane

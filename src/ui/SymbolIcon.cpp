@@ -1,0 +1,94 @@
+#include "SymbolIcon.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <array>
+#include <utility>
+
+namespace vorlane {
+
+namespace {
+
+constexpr std::array<std::pair<std::string_view, const char*>, 38> symbolTable{{
+    {"square.grid.2x2", "view-grid"},
+    {"building.2", "group"},
+    {"star", "favorite"},
+    {"exclamationmark.triangle", "data-warning"},
+    {"xmark.circle", "dialog-cancel"},
+    {"key", "application-pgp-keys"},
+    {"dollarsign.circle", "view-currency-list"},
+    {"archivebox", "archive-insert"},
+    {"server.rack", "network-server"},
+    {"cpu", "cpu"},
+    {"globe", "globe"},
+    {"gearshape.2", "configure"},
+    {"slider.horizontal.3", "settings-configure"},
+    {"w.circle", "internet-web-browser"},
+    {"globe.badge.chevron.backward", "applications-internet"},
+    {"network", "network-workgroup"},
+    {"envelope", "mail-message"},
+    {"cylinder", "server-database"},
+    {"cloud", "folder-cloud"},
+    {"terminal", "utilities-terminal"},
+    {"arrow.up.arrow.down.circle", "network-connect"},
+    {"lock.shield", "security-high"},
+    {"safari", "internet-web-browser"},
+    {"calendar.badge.clock", "view-calendar-upcoming-events"},
+    {"note.text", "note"},
+    {"paperplane", "mail-send"},
+    {"minus.circle", "list-remove"},
+    {"checkmark.circle", "dialog-ok-apply"},
+    {"clock", "clock"},
+    {"exclamationmark.octagon", "dialog-error"},
+    {"xmark.octagon", "data-error"},
+    {"lock", "object-locked"},
+    {"gearshape", "configure"},
+    {"magnifyingglass", "search"},
+    {"plus", "list-add"},
+    {"doc.on.clipboard", "edit-paste"},
+    {"doc.on.doc", "edit-copy"},
+    {"eye", "password-show-on"},
+}};
+
+} // namespace
+
+void SymbolIcon::installTheme()
+{
+    QStringList paths = QIcon::themeSearchPaths();
+    QStringList dataDirs = QString::fromLocal8Bit(qgetenv("XDG_DATA_DIRS")).split(u':', Qt::SkipEmptyParts);
+    if (dataDirs.isEmpty()) {
+        dataDirs = {QStringLiteral("/usr/local/share"), QStringLiteral("/usr/share")};
+    }
+    dataDirs.prepend(QDir::homePath() + QStringLiteral("/.local/share"));
+    for (const QString& dir : dataDirs) {
+        const QString icons = dir + QStringLiteral("/icons");
+        if (!paths.contains(icons) && QFileInfo(icons).isDir()) {
+            paths << icons;
+        }
+    }
+    QIcon::setThemeSearchPaths(paths);
+    QIcon::setThemeName(QStringLiteral("breeze"));
+}
+
+QString SymbolIcon::themeName(std::string_view symbol)
+{
+    for (const auto& [name, theme] : symbolTable) {
+        if (name == symbol) {
+            return QString::fromLatin1(theme);
+        }
+    }
+    return {};
+}
+
+QIcon SymbolIcon::icon(std::string_view symbol)
+{
+    const QString name = themeName(symbol);
+    QIcon icon = QIcon::fromTheme(name.isEmpty() ? QStringLiteral("unknown") : name);
+    if (icon.isNull()) {
+        icon = QIcon::fromTheme(QStringLiteral("unknown"));
+    }
+    return icon;
+}
+
+} // namespace vorlane
