@@ -14,12 +14,12 @@ namespace {
 
 using namespace vorlane;
 
-std::deque<ServiceRecord> makeServices(std::int64_t count, Instant now)
-{
+std::deque<ServiceRecord> makeServices(std::int64_t count, Instant now) {
     std::deque<ServiceRecord> services;
     for (std::int64_t i = 0; i < count; ++i) {
         ServiceRecord& service = services.emplace_back(ServiceRecord::created(now));
-        service.expirationDate = now + std::chrono::hours(i % (24 * 400)) - std::chrono::hours(24 * 30);
+        service.expirationDate =
+            now + std::chrono::hours(i % (24 * 400)) - std::chrono::hours(24 * 30);
         service.monthlyCost = i % 3 == 0 ? Decimal(0) : *Decimal::fromString("12.5");
         service.yearlyCost = Decimal(240);
         service.setBillingCycle(i % 2 == 0 ? BillingCycle::annual : BillingCycle::biennial);
@@ -27,8 +27,7 @@ std::deque<ServiceRecord> makeServices(std::int64_t count, Instant now)
     return services;
 }
 
-void expirationStates(benchmark::State& state)
-{
+void expirationStates(benchmark::State& state) {
     const SystemClock clock;
     const UserCalendar calendar(clock);
     const auto services = makeServices(state.range(0), clock.now());
@@ -43,8 +42,7 @@ void expirationStates(benchmark::State& state)
 }
 BENCHMARK(expirationStates)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
 
-void organizationCosts(benchmark::State& state)
-{
+void organizationCosts(benchmark::State& state) {
     const SystemClock clock;
     auto services = makeServices(state.range(0), clock.now());
     Organization organization = Organization::created(clock.now());

@@ -12,14 +12,12 @@ namespace {
 
 using vorlane::CliCommand;
 
-std::vector<std::unique_ptr<CliCommand>> makeCommands()
-{
+std::vector<std::unique_ptr<CliCommand>> makeCommands() {
     std::vector<std::unique_ptr<CliCommand>> commands;
     return commands;
 }
 
-void printHelp(const std::vector<std::unique_ptr<CliCommand>>& commands)
-{
+void printHelp(const std::vector<std::unique_ptr<CliCommand>>& commands) {
     std::cout << "Usage: vorlane-cli [--vault PATH] [--json] COMMAND [ARGUMENTS]\n\n"
                  "Global options:\n"
                  "  --vault PATH   use the vault file at PATH instead of the default one\n"
@@ -34,8 +32,7 @@ void printHelp(const std::vector<std::unique_ptr<CliCommand>>& commands)
 
 } // namespace
 
-int main(int argc, char* argv[])
-{
+int main(int argc, char* argv[]) {
     vorlane::ProcessHardening::disableCoreDumps();
     const auto commands = makeCommands();
 

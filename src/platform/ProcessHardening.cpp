@@ -5,8 +5,7 @@
 
 namespace vorlane {
 
-bool ProcessHardening::disableCoreDumps()
-{
+bool ProcessHardening::disableCoreDumps() {
     const bool notDumpable = prctl(PR_SET_DUMPABLE, 0, 0, 0, 0) == 0;
     const rlimit noCore{0, 0};
     const bool noCoreLimit = setrlimit(RLIMIT_CORE, &noCore) == 0;

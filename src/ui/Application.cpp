@@ -15,8 +15,7 @@ namespace vorlane {
 
 namespace {
 
-QStringList argumentList(int argc, char* argv[])
-{
+QStringList argumentList(int argc, char* argv[]) {
     QStringList arguments;
     for (int i = 0; i < argc; ++i) {
         arguments << QString::fromLocal8Bit(argv[i]);
@@ -24,8 +23,7 @@ QStringList argumentList(int argc, char* argv[])
     return arguments;
 }
 
-void describeOptions(QCommandLineParser& parser)
-{
+void describeOptions(QCommandLineParser& parser) {
     parser.setApplicationDescription(
         QStringLiteral("Vorlane keeps your clients' servers, accounts, domains and keys in a local "
                        "vault; passwords stay in the desktop's secret store."));
@@ -35,8 +33,7 @@ void describeOptions(QCommandLineParser& parser)
 
 } // namespace
 
-int Application::run(int argc, char* argv[])
-{
+int Application::run(int argc, char* argv[]) {
     ProcessHardening::disableCoreDumps();
     QCoreApplication::setApplicationName(QStringLiteral("vorlane"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VORLANE_VERSION));

@@ -14,8 +14,7 @@ namespace vorlane {
 
 namespace {
 
-QWidget* makePlaceholder(SidebarItem item)
-{
+QWidget* makePlaceholder(SidebarItem item) {
     auto* page = new QWidget;
     auto* layout = new QVBoxLayout(page);
     auto* icon = new QLabel;
@@ -39,8 +38,7 @@ QWidget* makePlaceholder(SidebarItem item)
 MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent)
     , m_sidebar(new QListWidget)
-    , m_detail(new QStackedWidget)
-{
+    , m_detail(new QStackedWidget) {
     setWindowTitle(QStringLiteral("Vorlane"));
     setMinimumSize(minimumWindowSize);
     resize(defaultWindowSize);
@@ -49,7 +47,8 @@ MainWindow::MainWindow(QWidget* parent)
     m_sidebar->setFrameShape(QFrame::NoFrame);
     m_sidebar->setSpacing(2);
     for (const SidebarItem item : SidebarItem::allCases()) {
-        auto* row = new QListWidgetItem(SymbolIcon::icon(item.icon()), toQString(item.displayName()));
+        auto* row =
+            new QListWidgetItem(SymbolIcon::icon(item.icon()), toQString(item.displayName()));
         row->setData(Qt::UserRole, static_cast<int>(item.index()));
         m_sidebar->addItem(row);
         m_detail->addWidget(makePlaceholder(item));

@@ -8,11 +8,12 @@
 namespace vorlane {
 
 // Core text is UTF-8 std::string; widgets want QString. The one place that converts.
-inline QString toQString(std::string_view text)
-{
+inline QString toQString(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-inline std::string toStdString(const QString& text) { return text.toStdString(); }
+inline std::string toStdString(const QString& text) {
+    return text.toStdString();
+}
 
 } // namespace vorlane

@@ -53,10 +53,10 @@ constexpr std::array<std::pair<std::string_view, const char*>, 38> symbolTable{{
 
 } // namespace
 
-void SymbolIcon::installTheme()
-{
+void SymbolIcon::installTheme() {
     QStringList paths = QIcon::themeSearchPaths();
-    QStringList dataDirs = QString::fromLocal8Bit(qgetenv("XDG_DATA_DIRS")).split(u':', Qt::SkipEmptyParts);
+    QStringList dataDirs =
+        QString::fromLocal8Bit(qgetenv("XDG_DATA_DIRS")).split(u':', Qt::SkipEmptyParts);
     if (dataDirs.isEmpty()) {
         dataDirs = {QStringLiteral("/usr/local/share"), QStringLiteral("/usr/share")};
     }
@@ -71,8 +71,7 @@ void SymbolIcon::installTheme()
     QIcon::setThemeName(QStringLiteral("breeze"));
 }
 
-QString SymbolIcon::themeName(std::string_view symbol)
-{
+QString SymbolIcon::themeName(std::string_view symbol) {
     for (const auto& [name, theme] : symbolTable) {
         if (name == symbol) {
             return QString::fromLatin1(theme);
@@ -81,8 +80,7 @@ QString SymbolIcon::themeName(std::string_view symbol)
     return {};
 }
 
-QIcon SymbolIcon::icon(std::string_view symbol)
-{
+QIcon SymbolIcon::icon(std::string_view symbol) {
     const QString name = themeName(symbol);
     QIcon icon = QIcon::fromTheme(name.isEmpty() ? QStringLiteral("unknown") : name);
     if (icon.isNull()) {

@@ -5,15 +5,13 @@
 namespace vorlane {
 namespace {
 
-Decimal dec(std::string_view text)
-{
+Decimal dec(std::string_view text) {
     const auto value = Decimal::fromString(text);
     EXPECT_TRUE(value.has_value()) << text;
     return value.value_or(Decimal());
 }
 
-TEST(DecimalTest, TextRoundTripIsExact)
-{
+TEST(DecimalTest, TextRoundTripIsExact) {
     for (const char* text : {"12.5", "0", "-0.001", "19.99", "1000000", "0.1",
                              "123456789012345678901234567890.12345678"}) {
         EXPECT_EQ(dec(text).toString(), text);
@@ -24,16 +22,14 @@ TEST(DecimalTest, TextRoundTripIsExact)
     EXPECT_EQ(dec("1200").toString(), "1200");
 }
 
-TEST(DecimalTest, RejectsAnythingButPlainDecimalText)
-{
+TEST(DecimalTest, RejectsAnythingButPlainDecimalText) {
     for (const char* text : {"", "-", ".5", "5.", "1e3", " 1", "1 ", "1,5", "+1", "--1", "1.2.3",
                              "NaN", "inf", "12.5$"}) {
         EXPECT_FALSE(Decimal::fromString(text).has_value()) << '"' << text << '"';
     }
 }
 
-TEST(DecimalTest, SumsOfCentsAreExact)
-{
+TEST(DecimalTest, SumsOfCentsAreExact) {
     EXPECT_EQ(dec("0.1") + dec("0.2"), dec("0.3"));
     Decimal total;
     for (int i = 0; i < 1000; ++i) {
@@ -44,20 +40,20 @@ TEST(DecimalTest, SumsOfCentsAreExact)
     EXPECT_EQ((dec("5") - dec("7.25")).toString(), "-2.25");
 }
 
-TEST(DecimalTest, DivisionIsDecimalAndRoundedTo38Digits)
-{
+TEST(DecimalTest, DivisionIsDecimalAndRoundedTo38Digits) {
     EXPECT_EQ(dec("240").dividedBy(Decimal(24))->toString(), "10");
     EXPECT_EQ(dec("240").dividedBy(Decimal(12))->toString(), "20");
-    EXPECT_EQ(dec("200").dividedBy(Decimal(12))->toString(), "16.666666666666666666666666666666666667");
-    EXPECT_EQ(dec("1").dividedBy(Decimal(7))->toString(), "0.14285714285714285714285714285714285714");
+    EXPECT_EQ(dec("200").dividedBy(Decimal(12))->toString(),
+              "16.666666666666666666666666666666666667");
+    EXPECT_EQ(dec("1").dividedBy(Decimal(7))->toString(),
+              "0.14285714285714285714285714285714285714");
     // The rounded quotient must survive a trip through its own text unchanged.
     const Decimal third = *dec("100").dividedBy(Decimal(3));
     EXPECT_EQ(dec(third.toString()), third);
     EXPECT_FALSE(dec("5").dividedBy(Decimal()).has_value());
 }
 
-TEST(DecimalTest, OrdersByValueNotByText)
-{
+TEST(DecimalTest, OrdersByValueNotByText) {
     EXPECT_LT(dec("9.99"), dec("10"));
     EXPECT_GT(dec("0.5"), dec("-3"));
     EXPECT_EQ(dec("1.0"), dec("1"));

@@ -18,15 +18,13 @@
 namespace vorlane {
 namespace {
 
-template <typename E>
-class IterableEnumerationTest : public ::testing::Test {};
+template <typename E> class IterableEnumerationTest : public ::testing::Test {};
 
-using Iterable = ::testing::Types<ServiceType, OrgDetailTab, SidebarItem, ShareMethod,
-                                  BillingCycle, RiskLevel, ServiceStatus>;
+using Iterable = ::testing::Types<ServiceType, OrgDetailTab, SidebarItem, ShareMethod, BillingCycle,
+                                  RiskLevel, ServiceStatus>;
 TYPED_TEST_SUITE(IterableEnumerationTest, Iterable);
 
-TYPED_TEST(IterableEnumerationTest, RawValuesRoundTripOnlyOnExactMatch)
-{
+TYPED_TEST(IterableEnumerationTest, RawValuesRoundTripOnlyOnExactMatch) {
     const auto cases = TypeParam::allCases();
     ASSERT_EQ(cases.size(), TypeParam::caseCount);
     std::unordered_set<TypeParam> seen;
@@ -49,16 +47,14 @@ TYPED_TEST(IterableEnumerationTest, RawValuesRoundTripOnlyOnExactMatch)
     EXPECT_FALSE(TypeParam::fromRaw("").has_value());
 }
 
-TEST(EnumerationTest, ServiceTypeAcceptsOnlyTheLowerCaseRawValue)
-{
+TEST(EnumerationTest, ServiceTypeAcceptsOnlyTheLowerCaseRawValue) {
     EXPECT_EQ(ServiceType::fromRaw("vps"), ServiceType(ServiceType::vps));
     EXPECT_FALSE(ServiceType::fromRaw("VPS").has_value());
     EXPECT_FALSE(ServiceType::fromRaw("Vps").has_value());
     EXPECT_EQ(ServiceType(ServiceType::vps).label(), "VPS");
 }
 
-TEST(EnumerationTest, EveryServiceKindBelongsToExactlyOneTab)
-{
+TEST(EnumerationTest, EveryServiceKindBelongsToExactlyOneTab) {
     std::multiset<ServiceType::Value> listed;
     for (const OrgDetailTab tab : OrgDetailTab::allCases()) {
         for (const ServiceType type : tab.serviceTypes()) {
@@ -69,15 +65,15 @@ TEST(EnumerationTest, EveryServiceKindBelongsToExactlyOneTab)
         EXPECT_EQ(listed.count(type.value()), 1u) << type.rawValue();
     }
     EXPECT_EQ(listed.size(), ServiceType::caseCount);
-    for (const OrgDetailTab tab : {OrgDetailTab(OrgDetailTab::overview), OrgDetailTab(OrgDetailTab::expenses),
-                                   OrgDetailTab(OrgDetailTab::renewals), OrgDetailTab(OrgDetailTab::notes),
-                                   OrgDetailTab(OrgDetailTab::sharing)}) {
+    for (const OrgDetailTab tab :
+         {OrgDetailTab(OrgDetailTab::overview), OrgDetailTab(OrgDetailTab::expenses),
+          OrgDetailTab(OrgDetailTab::renewals), OrgDetailTab(OrgDetailTab::notes),
+          OrgDetailTab(OrgDetailTab::sharing)}) {
         EXPECT_TRUE(tab.serviceTypes().empty()) << tab.rawValue();
     }
 }
 
-TEST(EnumerationTest, CredentialsTabListsAccessKindsBeforeSecretKinds)
-{
+TEST(EnumerationTest, CredentialsTabListsAccessKindsBeforeSecretKinds) {
     const auto types = OrgDetailTab(OrgDetailTab::credentials).serviceTypes();
     const std::vector<ServiceType> expected{ServiceType::sshAccess, ServiceType::ftpAccess,
                                             ServiceType::cloudAccount, ServiceType::apiKey,
@@ -89,8 +85,7 @@ TEST(EnumerationTest, CredentialsTabListsAccessKindsBeforeSecretKinds)
     EXPECT_EQ(hosting.back(), ServiceType::plesk);
 }
 
-TEST(EnumerationTest, LabelsThatAreEasyToGetWrong)
-{
+TEST(EnumerationTest, LabelsThatAreEasyToGetWrong) {
     EXPECT_EQ(BillingCycle(BillingCycle::biennial).label(), "Biennial (2yr)");
     EXPECT_EQ(BillingCycle(BillingCycle::triennial).label(), "Triennial (3yr)");
     EXPECT_EQ(BillingCycle(BillingCycle::semiAnnual).rawValue(), "semiAnnual");
@@ -103,16 +98,14 @@ TEST(EnumerationTest, LabelsThatAreEasyToGetWrong)
     EXPECT_EQ(ExpirationState(ExpirationState::none).displayName(), "No Expiry");
 }
 
-TEST(EnumerationTest, CloudAccountIsTintedLikeHostingNotLikeItsNeighbours)
-{
+TEST(EnumerationTest, CloudAccountIsTintedLikeHostingNotLikeItsNeighbours) {
     EXPECT_EQ(ServiceType(ServiceType::cloudAccount).tintColor(), Palette::Color::blue);
     EXPECT_EQ(ServiceType(ServiceType::sharedHosting).tintColor(), Palette::Color::blue);
     EXPECT_EQ(ServiceType(ServiceType::sshAccess).tintColor(), Palette::Color::gray);
     EXPECT_EQ(Palette::name(ServiceType(ServiceType::database).tintColor()), "mint");
 }
 
-TEST(EnumerationTest, ExpirationStatesAreDeclaredInOrderOfUrgency)
-{
+TEST(EnumerationTest, ExpirationStatesAreDeclaredInOrderOfUrgency) {
     // `upcoming` (2-7 days) is more urgent than `soon` (8-30 days), against the words.
     EXPECT_LT(ExpirationState(ExpirationState::soon).index(),
               ExpirationState(ExpirationState::upcoming).index());
@@ -122,8 +115,7 @@ TEST(EnumerationTest, ExpirationStatesAreDeclaredInOrderOfUrgency)
     EXPECT_EQ(ExpirationState(ExpirationState::soon).color(), Palette::Color::yellow);
 }
 
-TEST(EnumerationTest, BillingCyclesSpreadAYearlyAmountOverTwelveMonthsUnlessMultiYear)
-{
+TEST(EnumerationTest, BillingCyclesSpreadAYearlyAmountOverTwelveMonthsUnlessMultiYear) {
     EXPECT_EQ(BillingCycle(BillingCycle::quarterly).yearlyCostSpreadMonths(), 12);
     EXPECT_EQ(BillingCycle(BillingCycle::monthly).yearlyCostSpreadMonths(), 12);
     EXPECT_EQ(BillingCycle(BillingCycle::biennial).yearlyCostSpreadMonths(), 24);

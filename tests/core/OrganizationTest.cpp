@@ -1,6 +1,7 @@
+#include "model/Organization.h"
+
 #include "ManualClock.h"
 #include "TestTime.h"
-#include "model/Organization.h"
 #include "model/ServiceRecord.h"
 #include "util/UserCalendar.h"
 
@@ -17,8 +18,7 @@ using namespace std::chrono_literals;
 
 class OrganizationTest : public ::testing::Test {
 protected:
-    ServiceRecord& addService(std::string_view monthly = "0", std::string_view yearly = "0")
-    {
+    ServiceRecord& addService(std::string_view monthly = "0", std::string_view yearly = "0") {
         ServiceRecord& service = services.emplace_back(ServiceRecord::created(clock.now()));
         service.monthlyCost = Decimal::fromString(monthly).value();
         service.yearlyCost = Decimal::fromString(yearly).value();
@@ -33,8 +33,7 @@ protected:
     std::deque<ServiceRecord> services; // stable addresses
 };
 
-TEST_F(OrganizationTest, YearlyCostUsesTheStoredMonthlyAmountAndSkipsArchived)
-{
+TEST_F(OrganizationTest, YearlyCostUsesTheStoredMonthlyAmountAndSkipsArchived) {
     addService("15", "0");
     EXPECT_EQ(organization.monthlyCost().toString(), "15");
     EXPECT_EQ(organization.yearlyCost().toString(), "180");
@@ -51,16 +50,14 @@ TEST_F(OrganizationTest, YearlyCostUsesTheStoredMonthlyAmountAndSkipsArchived)
     EXPECT_EQ(organization.yearlyCost().toString(), "420");
 }
 
-TEST_F(OrganizationTest, EmptyOrganizationCostsNothingAndHasNoNextExpiration)
-{
+TEST_F(OrganizationTest, EmptyOrganizationCostsNothingAndHasNoNextExpiration) {
     EXPECT_TRUE(organization.monthlyCost().isZero());
     EXPECT_TRUE(organization.yearlyCost().isZero());
     EXPECT_FALSE(organization.nextExpiration(calendar).has_value());
     EXPECT_TRUE(organization.activeServices().empty());
 }
 
-TEST_F(OrganizationTest, ServiceListsFollowStatusArchiveAndExpirationRules)
-{
+TEST_F(OrganizationTest, ServiceListsFollowStatusArchiveAndExpirationRules) {
     ServiceRecord& plain = addService();
     ServiceRecord& unknownStatus = addService();
     unknownStatus.statusRaw = "suspended";
@@ -77,7 +74,8 @@ TEST_F(OrganizationTest, ServiceListsFollowStatusArchiveAndExpirationRules)
     expired.expirationDate = clock.now() - 1min;
 
     const std::vector<ServiceRecord*> active = organization.activeServices();
-    EXPECT_EQ(active, (std::vector<ServiceRecord*>{&plain, &unknownStatus, &soon, &upcoming, &expired}));
+    EXPECT_EQ(active,
+              (std::vector<ServiceRecord*>{&plain, &unknownStatus, &soon, &upcoming, &expired}));
     EXPECT_EQ(organization.expiringServices(calendar),
               (std::vector<ServiceRecord*>{&archivedCritical, &upcoming}));
     EXPECT_EQ(organization.expiredServices(calendar), (std::vector<ServiceRecord*>{&expired}));
@@ -87,14 +85,12 @@ TEST_F(OrganizationTest, ServiceListsFollowStatusArchiveAndExpirationRules)
     EXPECT_EQ(organization.nextExpiration(calendar), clock.now() + 3 * 24h);
 }
 
-TEST_F(OrganizationTest, OnlyExpiredDatesMeansNoNextExpiration)
-{
+TEST_F(OrganizationTest, OnlyExpiredDatesMeansNoNextExpiration) {
     addService().expirationDate = clock.now() - 24h;
     EXPECT_FALSE(organization.nextExpiration(calendar).has_value());
 }
 
-TEST(OrganizationInitialsTest, FirstLettersOfTheFirstTwoWords)
-{
+TEST(OrganizationInitialsTest, FirstLettersOfTheFirstTwoWords) {
     const auto initials = [](std::string name) {
         Organization organization;
         organization.name = std::move(name);
@@ -116,12 +112,10 @@ TEST(OrganizationInitialsTest, FirstLettersOfTheFirstTwoWords)
     EXPECT_EQ(initials("a\tb c"), "AC");
 }
 
-TEST(OrganizationAvatarTest, ColourComesFromTheEightAvatarColoursAndIsStablePerName)
-{
-    const std::vector<Palette::Color> allowed{Palette::Color::indigo, Palette::Color::blue,
-                                              Palette::Color::teal,   Palette::Color::mint,
-                                              Palette::Color::orange, Palette::Color::pink,
-                                              Palette::Color::purple, Palette::Color::cyan};
+TEST(OrganizationAvatarTest, ColourComesFromTheEightAvatarColoursAndIsStablePerName) {
+    const std::vector<Palette::Color> allowed{
+        Palette::Color::indigo, Palette::Color::blue, Palette::Color::teal,   Palette::Color::mint,
+        Palette::Color::orange, Palette::Color::pink, Palette::Color::purple, Palette::Color::cyan};
     std::set<Palette::Color> used;
     for (int i = 0; i < 200; ++i) {
         Organization organization;

@@ -5,10 +5,12 @@
 namespace vorlane {
 namespace {
 
-Decimal dec(std::string_view text) { return Decimal::fromString(text).value(); }
+Decimal dec(std::string_view text) {
+    return Decimal::fromString(text).value();
+}
 
-ServiceRecord serviceCosting(std::string_view monthly, std::string_view yearly, BillingCycle cycle)
-{
+ServiceRecord serviceCosting(std::string_view monthly, std::string_view yearly,
+                             BillingCycle cycle) {
     ServiceRecord service = ServiceRecord::created(Instant{});
     service.monthlyCost = dec(monthly);
     service.yearlyCost = dec(yearly);
@@ -16,30 +18,33 @@ ServiceRecord serviceCosting(std::string_view monthly, std::string_view yearly, 
     return service;
 }
 
-TEST(ServiceRecordTest, EffectiveMonthlyCostSpreadsTheYearlyAmountByCycle)
-{
-    EXPECT_EQ(serviceCosting("0", "240", BillingCycle::biennial).effectiveMonthlyCost().toString(), "10");
-    EXPECT_EQ(serviceCosting("0", "240", BillingCycle::quarterly).effectiveMonthlyCost().toString(), "20");
-    EXPECT_EQ(serviceCosting("0", "240", BillingCycle::semiAnnual).effectiveMonthlyCost().toString(), "20");
-    EXPECT_EQ(serviceCosting("0", "360", BillingCycle::triennial).effectiveMonthlyCost().toString(), "10");
+TEST(ServiceRecordTest, EffectiveMonthlyCostSpreadsTheYearlyAmountByCycle) {
+    EXPECT_EQ(serviceCosting("0", "240", BillingCycle::biennial).effectiveMonthlyCost().toString(),
+              "10");
+    EXPECT_EQ(serviceCosting("0", "240", BillingCycle::quarterly).effectiveMonthlyCost().toString(),
+              "20");
+    EXPECT_EQ(
+        serviceCosting("0", "240", BillingCycle::semiAnnual).effectiveMonthlyCost().toString(),
+        "20");
+    EXPECT_EQ(serviceCosting("0", "360", BillingCycle::triennial).effectiveMonthlyCost().toString(),
+              "10");
     EXPECT_TRUE(serviceCosting("0", "240", BillingCycle::oneTime).effectiveMonthlyCost().isZero());
     EXPECT_TRUE(serviceCosting("0", "240", BillingCycle::none).effectiveMonthlyCost().isZero());
     EXPECT_EQ(serviceCosting("0", "100", BillingCycle::annual).effectiveMonthlyCost().toString(),
               "8.3333333333333333333333333333333333333");
     // A positive monthly amount wins whatever the cycle and the yearly amount say.
-    EXPECT_EQ(serviceCosting("15", "999", BillingCycle::biennial).effectiveMonthlyCost().toString(), "15");
+    EXPECT_EQ(serviceCosting("15", "999", BillingCycle::biennial).effectiveMonthlyCost().toString(),
+              "15");
 }
 
-TEST(ServiceRecordTest, UnknownBillingCycleCostsNothingPerMonth)
-{
+TEST(ServiceRecordTest, UnknownBillingCycleCostsNothingPerMonth) {
     ServiceRecord service = serviceCosting("0", "240", BillingCycle::annual);
     service.billingCycleRaw = "Annual";
     EXPECT_EQ(service.billingCycle(), BillingCycle::none);
     EXPECT_TRUE(service.effectiveMonthlyCost().isZero());
 }
 
-TEST(ServiceRecordTest, AccessorsFallBackOnUnknownRawValuesAndWriteRawValues)
-{
+TEST(ServiceRecordTest, AccessorsFallBackOnUnknownRawValuesAndWriteRawValues) {
     ServiceRecord service;
     EXPECT_EQ(service.serviceType(), ServiceType::customSecret);
     EXPECT_EQ(service.billingCycle(), BillingCycle::none);
@@ -61,8 +66,7 @@ TEST(ServiceRecordTest, AccessorsFallBackOnUnknownRawValuesAndWriteRawValues)
     EXPECT_EQ(service.statusRaw, "archived");
 }
 
-TEST(ServiceRecordTest, DisplaySubtitleTakesTheFirstNonEmptyAddressElseTheKind)
-{
+TEST(ServiceRecordTest, DisplaySubtitleTakesTheFirstNonEmptyAddressElseTheKind) {
     ServiceRecord service;
     service.setServiceType(ServiceType::database);
     EXPECT_EQ(service.displaySubtitle(), "Database");
@@ -76,8 +80,7 @@ TEST(ServiceRecordTest, DisplaySubtitleTakesTheFirstNonEmptyAddressElseTheKind)
     EXPECT_EQ(service.displaySubtitle(), "Hetzner");
 }
 
-TEST(ServiceRecordTest, CreatedRecordsHaveIdentityAndMatchingTimestamps)
-{
+TEST(ServiceRecordTest, CreatedRecordsHaveIdentityAndMatchingTimestamps) {
     const Instant now{std::chrono::milliseconds(1'790'000'000'000)};
     const ServiceRecord a = ServiceRecord::created(now);
     const ServiceRecord b = ServiceRecord::created(now);

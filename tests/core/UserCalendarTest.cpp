@@ -1,7 +1,8 @@
+#include "util/UserCalendar.h"
+
 #include "ManualClock.h"
 #include "TestTime.h"
 #include "model/ServiceRecord.h"
-#include "util/UserCalendar.h"
 
 #include <gtest/gtest.h>
 
@@ -15,8 +16,7 @@ using testing::utc;
 // New York: daylight saving starts 8 March 2026 (clocks 02:00 -> 03:00) and ends 1 November 2026.
 constexpr std::string_view newYork = "America/New_York";
 
-TEST(UserCalendarTest, CountsCalendarDaysNotTwentyFourHourBlocksAcrossDaylightSaving)
-{
+TEST(UserCalendarTest, CountsCalendarDaysNotTwentyFourHourBlocksAcrossDaylightSaving) {
     ManualClock clock;
     const UserCalendar calendar(clock, newYork);
     // Noon to noon over the spring change is one day though only 23 hours pass.
@@ -26,8 +26,7 @@ TEST(UserCalendarTest, CountsCalendarDaysNotTwentyFourHourBlocksAcrossDaylightSa
     EXPECT_EQ(calendar.daysBetween(utc(2026, 10, 31, 16), utc(2026, 11, 1, 17)), 1);
 }
 
-TEST(UserCalendarTest, TruncatesTowardZeroInBothDirections)
-{
+TEST(UserCalendarTest, TruncatesTowardZeroInBothDirections) {
     ManualClock clock;
     const UserCalendar calendar(clock, "UTC");
     EXPECT_EQ(calendar.daysBetween(utc(2026, 5, 1), utc(2026, 5, 2, 23, 59)), 1);
@@ -36,21 +35,24 @@ TEST(UserCalendarTest, TruncatesTowardZeroInBothDirections)
     EXPECT_EQ(calendar.daysBetween(utc(2024, 1, 1), utc(2025, 1, 1)), 366);
 }
 
-TEST(UserCalendarTest, AddingAMonthClampsToTheEndOfTheShorterMonth)
-{
+TEST(UserCalendarTest, AddingAMonthClampsToTheEndOfTheShorterMonth) {
     ManualClock clock;
     const UserCalendar calendar(clock, newYork);
     // 31 January 10:00 local (15:00 UTC) plus a month is 28 February 10:00 local.
-    EXPECT_EQ(calendar.adding(UserCalendar::Unit::month, 1, utc(2026, 1, 31, 15)), utc(2026, 2, 28, 15));
-    EXPECT_EQ(calendar.adding(UserCalendar::Unit::month, 1, utc(2028, 1, 31, 15)), utc(2028, 2, 29, 15));
-    EXPECT_EQ(calendar.adding(UserCalendar::Unit::year, 1, utc(2028, 2, 29, 15)), utc(2029, 2, 28, 15));
+    EXPECT_EQ(calendar.adding(UserCalendar::Unit::month, 1, utc(2026, 1, 31, 15)),
+              utc(2026, 2, 28, 15));
+    EXPECT_EQ(calendar.adding(UserCalendar::Unit::month, 1, utc(2028, 1, 31, 15)),
+              utc(2028, 2, 29, 15));
+    EXPECT_EQ(calendar.adding(UserCalendar::Unit::year, 1, utc(2028, 2, 29, 15)),
+              utc(2029, 2, 28, 15));
     // A day added across the spring change keeps the wall-clock time: 23 hours later in UTC.
-    EXPECT_EQ(calendar.adding(UserCalendar::Unit::day, 1, utc(2026, 3, 7, 17)), utc(2026, 3, 8, 16));
-    EXPECT_EQ(calendar.adding(UserCalendar::Unit::day, -30, utc(2026, 4, 30, 16)), utc(2026, 3, 31, 16));
+    EXPECT_EQ(calendar.adding(UserCalendar::Unit::day, 1, utc(2026, 3, 7, 17)),
+              utc(2026, 3, 8, 16));
+    EXPECT_EQ(calendar.adding(UserCalendar::Unit::day, -30, utc(2026, 4, 30, 16)),
+              utc(2026, 3, 31, 16));
 }
 
-TEST(UserCalendarTest, ReportsItsZoneAndReadsItsClock)
-{
+TEST(UserCalendarTest, ReportsItsZoneAndReadsItsClock) {
     ManualClock clock(utc(2026, 11, 21, 9));
     const UserCalendar calendar(clock, newYork);
     EXPECT_EQ(calendar.timeZoneId(), newYork);
@@ -61,8 +63,7 @@ TEST(UserCalendarTest, ReportsItsZoneAndReadsItsClock)
 
 class ExpirationStateTest : public ::testing::Test {
 protected:
-    ExpirationState stateAt(Instant expiration)
-    {
+    ExpirationState stateAt(Instant expiration) {
         ServiceRecord service = ServiceRecord::created(clock.now());
         service.expirationDate = expiration;
         return service.expirationState(calendar);
@@ -72,8 +73,7 @@ protected:
     UserCalendar calendar{clock, newYork};
 };
 
-TEST_F(ExpirationStateTest, ThresholdsAroundNow)
-{
+TEST_F(ExpirationStateTest, ThresholdsAroundNow) {
     const Instant now = clock.now();
     EXPECT_EQ(stateAt(now - 10min), ExpirationState::expired);
     EXPECT_EQ(stateAt(now), ExpirationState::critical) << "not earlier than now: not yet expired";
@@ -92,8 +92,7 @@ TEST_F(ExpirationStateTest, ThresholdsAroundNow)
     EXPECT_FALSE(undated.daysUntilExpiration(calendar).has_value());
 }
 
-TEST_F(ExpirationStateTest, ChangesWithTheTimeOfDayAcrossDaylightSaving)
-{
+TEST_F(ExpirationStateTest, ChangesWithTheTimeOfDayAcrossDaylightSaving) {
     // Noon EST on 1 March to noon EDT on 9 March: 8 calendar days, though only 7 days and 23
     // hours pass. A 24-hour division would say 7 (upcoming).
     clock.set(utc(2026, 3, 1, 17));
@@ -104,8 +103,7 @@ TEST_F(ExpirationStateTest, ChangesWithTheTimeOfDayAcrossDaylightSaving)
     EXPECT_EQ(stateAt(utc(2026, 3, 9, 16)), ExpirationState::upcoming);
 }
 
-TEST_F(ExpirationStateTest, DaysUntilExpirationGoesNegativeOncePassed)
-{
+TEST_F(ExpirationStateTest, DaysUntilExpirationGoesNegativeOncePassed) {
     ServiceRecord service = ServiceRecord::created(clock.now());
     service.expirationDate = clock.now() - 36h;
     EXPECT_EQ(service.daysUntilExpiration(calendar), -1);

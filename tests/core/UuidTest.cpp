@@ -1,5 +1,6 @@
-#include "model/ServiceRecord.h"
 #include "util/Uuid.h"
+
+#include "model/ServiceRecord.h"
 
 #include <gtest/gtest.h>
 
@@ -8,8 +9,7 @@
 namespace vorlane {
 namespace {
 
-TEST(UuidTest, GeneratedUuidsAreRandomVersion4InUpperCaseText)
-{
+TEST(UuidTest, GeneratedUuidsAreRandomVersion4InUpperCaseText) {
     std::set<std::string> texts;
     for (int i = 0; i < 200; ++i) {
         const Uuid uuid = Uuid::generate();
@@ -24,21 +24,20 @@ TEST(UuidTest, GeneratedUuidsAreRandomVersion4InUpperCaseText)
     EXPECT_EQ(texts.size(), 200u);
 }
 
-TEST(UuidTest, ParsesEitherCaseAndRejectsMalformedText)
-{
+TEST(UuidTest, ParsesEitherCaseAndRejectsMalformedText) {
     const auto lower = Uuid::fromString("e621e1f8-c36c-495a-93fc-0c247a3e6e5f");
     ASSERT_TRUE(lower.has_value());
     EXPECT_EQ(lower->toString(), "E621E1F8-C36C-495A-93FC-0C247A3E6E5F");
-    for (const char* bad : {"", "E621E1F8C36C495A93FC0C247A3E6E5F",
-                            "E621E1F8-C36C-495A-93FC-0C247A3E6E5", "E621E1F8-C36C-495A-93FC_0C247A3E6E5F",
-                            "G621E1F8-C36C-495A-93FC-0C247A3E6E5F", "{E621E1F8-C36C-495A-93FC-0C247A3E6E5}"}) {
+    for (const char* bad :
+         {"", "E621E1F8C36C495A93FC0C247A3E6E5F", "E621E1F8-C36C-495A-93FC-0C247A3E6E5",
+          "E621E1F8-C36C-495A-93FC_0C247A3E6E5F", "G621E1F8-C36C-495A-93FC-0C247A3E6E5F",
+          "{E621E1F8-C36C-495A-93FC-0C247A3E6E5}"}) {
         EXPECT_FALSE(Uuid::fromString(bad).has_value()) << bad;
     }
     EXPECT_TRUE(Uuid().isNil());
 }
 
-TEST(UuidTest, SecretIdentifiersArePrefixAndFreshUpperCaseUuid)
-{
+TEST(UuidTest, SecretIdentifiersArePrefixAndFreshUpperCaseUuid) {
     const std::string password = ServiceRecord::makeSecretKeychainID();
     const std::string apiKey = ServiceRecord::makeAPIKeyKeychainID();
     ASSERT_EQ(password.size(), 15u + 36u);

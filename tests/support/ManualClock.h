@@ -10,9 +10,7 @@ namespace vorlane::testing {
 class ManualClock final : public Clock {
 public:
     explicit ManualClock(Instant start = Instant{})
-        : m_now(start)
-    {
-    }
+        : m_now(start) {}
 
     Instant now() const override { return m_now; }
     void set(Instant instant) { m_now = instant; }

@@ -1,4 +1,5 @@
 #include "MainWindow.h"
+
 #include "SymbolIcon.h"
 #include "model/ExpirationState.h"
 #include "model/OrgDetailTab.h"
@@ -15,8 +16,7 @@
 namespace vorlane {
 namespace {
 
-TEST(MainWindowTest, OpensAtDefaultSizeWithTitleAndMinimum)
-{
+TEST(MainWindowTest, OpensAtDefaultSizeWithTitleAndMinimum) {
     MainWindow window;
     window.show();
     EXPECT_EQ(window.windowTitle(), QStringLiteral("Vorlane"));
@@ -24,8 +24,7 @@ TEST(MainWindowTest, OpensAtDefaultSizeWithTitleAndMinimum)
     EXPECT_EQ(window.size(), QSize(1280, 800));
 }
 
-TEST(MainWindowTest, SidebarListsEveryDestinationInOrderWithAnIcon)
-{
+TEST(MainWindowTest, SidebarListsEveryDestinationInOrderWithAnIcon) {
     MainWindow window;
     const auto* sidebar = window.findChild<QListWidget*>();
     ASSERT_NE(sidebar, nullptr);
@@ -39,8 +38,7 @@ TEST(MainWindowTest, SidebarListsEveryDestinationInOrderWithAnIcon)
     EXPECT_EQ(sidebar->currentRow(), 0);
 }
 
-TEST(SymbolIconTest, EverySymbolOfTheVocabulariesHasAThemeIcon)
-{
+TEST(SymbolIconTest, EverySymbolOfTheVocabulariesHasAThemeIcon) {
     std::vector<std::string_view> symbols;
     for (const ServiceType type : ServiceType::allCases()) {
         symbols.push_back(type.icon());

@@ -15,8 +15,12 @@ constexpr std::array<std::optional<int>, BillingCycle::caseCount> spreadMonths{
 
 } // namespace
 
-std::string_view BillingCycle::label() const { return labels[index()]; }
+std::string_view BillingCycle::label() const {
+    return labels[index()];
+}
 
-std::optional<int> BillingCycle::yearlyCostSpreadMonths() const { return spreadMonths[index()]; }
+std::optional<int> BillingCycle::yearlyCostSpreadMonths() const {
+    return spreadMonths[index()];
+}
 
 } // namespace vorlane

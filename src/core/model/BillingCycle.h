@@ -26,9 +26,7 @@ public:
     };
 
     constexpr BillingCycle(Value value)
-        : RawEnumeration(value)
-    {
-    }
+        : RawEnumeration(value) {}
     constexpr Value value() const { return static_cast<Value>(index()); }
 
     using RawEnumeration::allCases;

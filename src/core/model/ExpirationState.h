@@ -1,7 +1,7 @@
 #pragma once
 
-#include "model/RawEnumeration.h"
 #include "model/Palette.h"
+#include "model/RawEnumeration.h"
 
 #include <string_view>
 
@@ -22,18 +22,11 @@ public:
     };
 
     static constexpr std::array<std::string_view, caseCount> rawValues{
-        "none",
-        "normal",
-        "soon",
-        "upcoming",
-        "critical",
-        "expired",
+        "none", "normal", "soon", "upcoming", "critical", "expired",
     };
 
     constexpr ExpirationState(Value value)
-        : RawEnumeration(value)
-    {
-    }
+        : RawEnumeration(value) {}
     constexpr Value value() const { return static_cast<Value>(index()); }
 
     std::string_view displayName() const;
@@ -44,4 +37,5 @@ public:
 } // namespace vorlane
 
 template <>
-struct std::hash<vorlane::ExpirationState> : vorlane::RawEnumerationHash<vorlane::ExpirationState> {};
+struct std::hash<vorlane::ExpirationState> : vorlane::RawEnumerationHash<vorlane::ExpirationState> {
+};

@@ -10,16 +10,26 @@ constexpr std::array<std::string_view, OrgDetailTab::caseCount> labels{
 };
 
 constexpr std::array<std::string_view, OrgDetailTab::caseCount> icons{
-    "square.grid.2x2", "server.rack", "globe",    "safari",
-    "network",         "envelope",    "cylinder", "key",
-    "dollarsign.circle", "calendar.badge.clock", "note.text", "paperplane",
+    "square.grid.2x2",
+    "server.rack",
+    "globe",
+    "safari",
+    "network",
+    "envelope",
+    "cylinder",
+    "key",
+    "dollarsign.circle",
+    "calendar.badge.clock",
+    "note.text",
+    "paperplane",
 };
 
 constexpr std::array<ServiceType, 2> serverTypes{ServiceType::vps, ServiceType::dedicatedServer};
 constexpr std::array<ServiceType, 4> hostingTypes{ServiceType::sharedHosting,
                                                   ServiceType::resellerHosting, ServiceType::cpanel,
                                                   ServiceType::plesk};
-constexpr std::array<ServiceType, 2> websiteTypes{ServiceType::wordpress, ServiceType::websiteAdmin};
+constexpr std::array<ServiceType, 2> websiteTypes{ServiceType::wordpress,
+                                                  ServiceType::websiteAdmin};
 constexpr std::array<ServiceType, 1> domainTypes{ServiceType::domainRegistrar};
 constexpr std::array<ServiceType, 1> emailTypes{ServiceType::mailbox};
 constexpr std::array<ServiceType, 1> databaseTypes{ServiceType::database};
@@ -30,12 +40,15 @@ constexpr std::array<ServiceType, 5> credentialTypes{ServiceType::sshAccess, Ser
 
 } // namespace
 
-std::string_view OrgDetailTab::label() const { return labels[index()]; }
+std::string_view OrgDetailTab::label() const {
+    return labels[index()];
+}
 
-std::string_view OrgDetailTab::icon() const { return icons[index()]; }
+std::string_view OrgDetailTab::icon() const {
+    return icons[index()];
+}
 
-std::span<const ServiceType> OrgDetailTab::serviceTypes() const
-{
+std::span<const ServiceType> OrgDetailTab::serviceTypes() const {
     switch (value()) {
     case servers:
         return serverTypes;

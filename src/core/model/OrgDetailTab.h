@@ -28,14 +28,12 @@ public:
     };
 
     static constexpr std::array<std::string_view, caseCount> rawValues{
-        "overview",    "servers",  "hosting",  "websites", "domains", "email",
-        "databases",   "credentials", "expenses", "renewals", "notes", "sharing",
+        "overview",  "servers",     "hosting",  "websites", "domains", "email",
+        "databases", "credentials", "expenses", "renewals", "notes",   "sharing",
     };
 
     constexpr OrgDetailTab(Value value)
-        : RawEnumeration(value)
-    {
-    }
+        : RawEnumeration(value) {}
     constexpr Value value() const { return static_cast<Value>(index()); }
 
     using RawEnumeration::allCases;

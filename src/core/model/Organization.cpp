@@ -19,8 +19,7 @@ namespace {
 // The first user-perceived character (grapheme cluster) of `word`, upper-cased with full case
 // mapping, so "émile" gives "É" and a flag or an accented letter built from two code points stays
 // whole.
-std::string upperFirstCharacter(std::string_view word)
-{
+std::string upperFirstCharacter(std::string_view word) {
     const icu::UnicodeString text = icu::UnicodeString::fromUTF8(
         icu::StringPiece(word.data(), static_cast<std::int32_t>(word.size())));
     UErrorCode status = U_ZERO_ERROR;
@@ -42,8 +41,7 @@ std::string upperFirstCharacter(std::string_view word)
 
 template <typename Predicate>
 std::vector<ServiceRecord*> servicesWhere(const std::vector<ServiceRecord*>& services,
-                                          Predicate keep)
-{
+                                          Predicate keep) {
     std::vector<ServiceRecord*> result;
     for (ServiceRecord* service : services) {
         if (keep(*service)) {
@@ -55,8 +53,7 @@ std::vector<ServiceRecord*> servicesWhere(const std::vector<ServiceRecord*>& ser
 
 } // namespace
 
-Organization Organization::created(Instant now)
-{
+Organization Organization::created(Instant now) {
     Organization organization;
     organization.id = Uuid::generate();
     organization.createdAt = now;
@@ -64,30 +61,26 @@ Organization Organization::created(Instant now)
     return organization;
 }
 
-std::vector<ServiceRecord*> Organization::activeServices() const
-{
+std::vector<ServiceRecord*> Organization::activeServices() const {
     return servicesWhere(services, [](const ServiceRecord& s) {
         return s.status() == ServiceStatus::active && !s.isArchived;
     });
 }
 
-std::vector<ServiceRecord*> Organization::expiringServices(const UserCalendar& calendar) const
-{
+std::vector<ServiceRecord*> Organization::expiringServices(const UserCalendar& calendar) const {
     return servicesWhere(services, [&](const ServiceRecord& s) {
         const ExpirationState state = s.expirationState(calendar);
         return state == ExpirationState::upcoming || state == ExpirationState::critical;
     });
 }
 
-std::vector<ServiceRecord*> Organization::expiredServices(const UserCalendar& calendar) const
-{
+std::vector<ServiceRecord*> Organization::expiredServices(const UserCalendar& calendar) const {
     return servicesWhere(services, [&](const ServiceRecord& s) {
         return s.expirationState(calendar) == ExpirationState::expired;
     });
 }
 
-std::optional<Instant> Organization::nextExpiration(const UserCalendar& calendar) const
-{
+std::optional<Instant> Organization::nextExpiration(const UserCalendar& calendar) const {
     const Instant now = calendar.now();
     std::optional<Instant> next;
     for (const ServiceRecord* service : services) {
@@ -99,8 +92,7 @@ std::optional<Instant> Organization::nextExpiration(const UserCalendar& calendar
     return next;
 }
 
-Decimal Organization::monthlyCost() const
-{
+Decimal Organization::monthlyCost() const {
     Decimal total;
     for (const ServiceRecord* service : services) {
         if (!service->isArchived) {
@@ -110,8 +102,7 @@ Decimal Organization::monthlyCost() const
     return total;
 }
 
-Decimal Organization::yearlyCost() const
-{
+Decimal Organization::yearlyCost() const {
     // Deliberately the stored monthly amount, not the effective one: a multi-year service with
     // only a yearly amount contributes that amount unchanged.
     static const Decimal monthsPerYear(12);
@@ -126,8 +117,7 @@ Decimal Organization::yearlyCost() const
     return total;
 }
 
-std::string Organization::initials() const
-{
+std::string Organization::initials() const {
     std::string result;
     int taken = 0;
     std::size_t start = 0;
@@ -145,12 +135,10 @@ std::string Organization::initials() const
     return result;
 }
 
-Palette::Color Organization::avatarColor() const
-{
+Palette::Color Organization::avatarColor() const {
     static constexpr std::array<Palette::Color, 8> avatarColors{
-        Palette::Color::indigo, Palette::Color::blue, Palette::Color::teal,
-        Palette::Color::mint,   Palette::Color::orange, Palette::Color::pink,
-        Palette::Color::purple, Palette::Color::cyan,
+        Palette::Color::indigo, Palette::Color::blue, Palette::Color::teal,   Palette::Color::mint,
+        Palette::Color::orange, Palette::Color::pink, Palette::Color::purple, Palette::Color::cyan,
     };
     return avatarColors[std::hash<std::string_view>{}(name) % avatarColors.size()];
 }

@@ -34,7 +34,7 @@ struct Organization {
     bool isFavorite = false;
     Instant createdAt;
     Instant updatedAt;
-    std::vector<ServiceRecord*> services; // not owned
+    std::vector<ServiceRecord*> services;   // not owned
     std::vector<ShareRecord*> shareHistory; // not owned
 
     // A new organization: fresh id, createdAt = updatedAt = now.

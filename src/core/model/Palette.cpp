@@ -30,8 +30,12 @@ constexpr std::array<Entry, 13> entries{{
 
 } // namespace
 
-std::string_view Palette::name(Color color) { return entries.at(static_cast<std::size_t>(color)).name; }
+std::string_view Palette::name(Color color) {
+    return entries.at(static_cast<std::size_t>(color)).name;
+}
 
-Palette::Rgb Palette::rgb(Color color) { return entries.at(static_cast<std::size_t>(color)).rgb; }
+Palette::Rgb Palette::rgb(Color color) {
+    return entries.at(static_cast<std::size_t>(color)).rgb;
+}
 
 } // namespace vorlane

@@ -13,6 +13,8 @@ constexpr std::array<std::string_view, RiskLevel::caseCount> displayNames{
 
 } // namespace
 
-std::string_view RiskLevel::displayName() const { return displayNames[index()]; }
+std::string_view RiskLevel::displayName() const {
+    return displayNames[index()];
+}
 
 } // namespace vorlane

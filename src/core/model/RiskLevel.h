@@ -24,9 +24,7 @@ public:
     };
 
     constexpr RiskLevel(Value value)
-        : RawEnumeration(value)
-    {
-    }
+        : RawEnumeration(value) {}
     constexpr Value value() const { return static_cast<Value>(index()); }
 
     using RawEnumeration::allCases;

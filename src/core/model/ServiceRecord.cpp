@@ -15,8 +15,7 @@ constexpr int soonUpToDays = 30;
 
 } // namespace
 
-ServiceRecord ServiceRecord::created(Instant now)
-{
+ServiceRecord ServiceRecord::created(Instant now) {
     ServiceRecord record;
     record.id = Uuid::generate();
     record.createdAt = now;
@@ -28,54 +27,54 @@ ServiceRecord ServiceRecord::created(Instant now)
     return record;
 }
 
-std::string ServiceRecord::makeSecretKeychainID()
-{
+std::string ServiceRecord::makeSecretKeychainID() {
     return "vorlane.secret." + Uuid::generate().toString();
 }
 
-std::string ServiceRecord::makeAPIKeyKeychainID()
-{
+std::string ServiceRecord::makeAPIKeyKeychainID() {
     return "vorlane.apikey." + Uuid::generate().toString();
 }
 
-ServiceType ServiceRecord::serviceType() const
-{
+ServiceType ServiceRecord::serviceType() const {
     return ServiceType::fromRaw(serviceTypeRaw).value_or(ServiceType::customSecret);
 }
 
-void ServiceRecord::setServiceType(ServiceType type) { serviceTypeRaw = type.rawValue(); }
+void ServiceRecord::setServiceType(ServiceType type) {
+    serviceTypeRaw = type.rawValue();
+}
 
-BillingCycle ServiceRecord::billingCycle() const
-{
+BillingCycle ServiceRecord::billingCycle() const {
     return BillingCycle::fromRaw(billingCycleRaw).value_or(BillingCycle::none);
 }
 
-void ServiceRecord::setBillingCycle(BillingCycle cycle) { billingCycleRaw = cycle.rawValue(); }
+void ServiceRecord::setBillingCycle(BillingCycle cycle) {
+    billingCycleRaw = cycle.rawValue();
+}
 
-RiskLevel ServiceRecord::riskLevel() const
-{
+RiskLevel ServiceRecord::riskLevel() const {
     return RiskLevel::fromRaw(riskLevelRaw).value_or(RiskLevel::low);
 }
 
-void ServiceRecord::setRiskLevel(RiskLevel level) { riskLevelRaw = level.rawValue(); }
+void ServiceRecord::setRiskLevel(RiskLevel level) {
+    riskLevelRaw = level.rawValue();
+}
 
-ServiceStatus ServiceRecord::status() const
-{
+ServiceStatus ServiceRecord::status() const {
     return ServiceStatus::fromRaw(statusRaw).value_or(ServiceStatus::active);
 }
 
-void ServiceRecord::setStatus(ServiceStatus newStatus) { statusRaw = newStatus.rawValue(); }
+void ServiceRecord::setStatus(ServiceStatus newStatus) {
+    statusRaw = newStatus.rawValue();
+}
 
-std::optional<int> ServiceRecord::daysUntilExpiration(const UserCalendar& calendar) const
-{
+std::optional<int> ServiceRecord::daysUntilExpiration(const UserCalendar& calendar) const {
     if (!expirationDate) {
         return std::nullopt;
     }
     return calendar.daysFromNow(*expirationDate);
 }
 
-ExpirationState ServiceRecord::expirationState(const UserCalendar& calendar) const
-{
+ExpirationState ServiceRecord::expirationState(const UserCalendar& calendar) const {
     if (!expirationDate) {
         return ExpirationState::none;
     }
@@ -96,8 +95,7 @@ ExpirationState ServiceRecord::expirationState(const UserCalendar& calendar) con
     return ExpirationState::normal;
 }
 
-Decimal ServiceRecord::effectiveMonthlyCost() const
-{
+Decimal ServiceRecord::effectiveMonthlyCost() const {
     if (monthlyCost > Decimal()) {
         return monthlyCost;
     }
@@ -108,8 +106,7 @@ Decimal ServiceRecord::effectiveMonthlyCost() const
     return yearlyCost.dividedBy(Decimal(*months)).value_or(Decimal());
 }
 
-std::string ServiceRecord::displaySubtitle() const
-{
+std::string ServiceRecord::displaySubtitle() const {
     for (const std::string* candidate : {&provider, &domain, &hostname, &ipAddress}) {
         if (!candidate->empty()) {
             return *candidate;

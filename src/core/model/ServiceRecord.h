@@ -38,7 +38,7 @@ struct ServiceRecord {
     std::optional<std::int64_t> port;
     std::string sshKeyReference; // a key's name or path, never the key
     std::optional<Instant> purchaseDate;
-    std::optional<Instant> renewalDate; // informational only
+    std::optional<Instant> renewalDate;    // informational only
     std::optional<Instant> expirationDate; // the only date that drives expiration
     std::string billingCycleRaw;
     Decimal monthlyCost;

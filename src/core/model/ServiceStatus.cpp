@@ -20,8 +20,12 @@ constexpr std::array<Palette::Color, ServiceStatus::caseCount> colors{
 
 } // namespace
 
-std::string_view ServiceStatus::displayName() const { return displayNames[index()]; }
+std::string_view ServiceStatus::displayName() const {
+    return displayNames[index()];
+}
 
-Palette::Color ServiceStatus::color() const { return colors[index()]; }
+Palette::Color ServiceStatus::color() const {
+    return colors[index()];
+}
 
 } // namespace vorlane

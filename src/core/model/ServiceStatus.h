@@ -1,7 +1,7 @@
 #pragma once
 
-#include "model/RawEnumeration.h"
 #include "model/Palette.h"
+#include "model/RawEnumeration.h"
 
 #include <string_view>
 
@@ -25,9 +25,7 @@ public:
     };
 
     constexpr ServiceStatus(Value value)
-        : RawEnumeration(value)
-    {
-    }
+        : RawEnumeration(value) {}
     constexpr Value value() const { return static_cast<Value>(index()); }
 
     using RawEnumeration::allCases;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "model/RawEnumeration.h"
 #include "model/Palette.h"
+#include "model/RawEnumeration.h"
 
 #include <string_view>
 
@@ -30,28 +30,14 @@ public:
     };
 
     static constexpr std::array<std::string_view, caseCount> rawValues{
-        "vps",
-        "dedicatedServer",
-        "sharedHosting",
-        "resellerHosting",
-        "cpanel",
-        "plesk",
-        "wordpress",
-        "websiteAdmin",
-        "domainRegistrar",
-        "mailbox",
-        "database",
-        "cloudAccount",
-        "sshAccess",
-        "ftpAccess",
-        "apiKey",
+        "vps",          "dedicatedServer", "sharedHosting", "resellerHosting", "cpanel",
+        "plesk",        "wordpress",       "websiteAdmin",  "domainRegistrar", "mailbox",
+        "database",     "cloudAccount",    "sshAccess",     "ftpAccess",       "apiKey",
         "customSecret",
     };
 
     constexpr ServiceType(Value value)
-        : RawEnumeration(value)
-    {
-    }
+        : RawEnumeration(value) {}
     constexpr Value value() const { return static_cast<Value>(index()); }
 
     using RawEnumeration::allCases;

@@ -12,6 +12,8 @@ constexpr std::array<std::string_view, ShareMethod::caseCount> displayNames{
 
 } // namespace
 
-std::string_view ShareMethod::displayName() const { return displayNames[index()]; }
+std::string_view ShareMethod::displayName() const {
+    return displayNames[index()];
+}
 
 } // namespace vorlane

@@ -21,20 +21,12 @@ public:
     };
 
     static constexpr std::array<std::string_view, caseCount> rawValues{
-        "dashboard",
-        "organizations",
-        "favorites",
-        "expiringSoon",
-        "expired",
-        "allCredentials",
-        "allExpenses",
-        "archive",
+        "dashboard", "organizations",  "favorites",   "expiringSoon",
+        "expired",   "allCredentials", "allExpenses", "archive",
     };
 
     constexpr SidebarItem(Value value)
-        : RawEnumeration(value)
-    {
-    }
+        : RawEnumeration(value) {}
     constexpr Value value() const { return static_cast<Value>(index()); }
 
     using RawEnumeration::allCases;

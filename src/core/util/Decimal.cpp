@@ -14,13 +14,14 @@ using Number = boost::multiprecision::number<boost::multiprecision::cpp_dec_floa
                                              boost::multiprecision::et_off>;
 constexpr int significantDigits = 38;
 
-bool isPlainDecimal(std::string_view text)
-{
+bool isPlainDecimal(std::string_view text) {
     std::size_t i = 0;
     if (i < text.size() && text[i] == '-') {
         ++i;
     }
-    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    const auto isDigit = [](char c) {
+        return c >= '0' && c <= '9';
+    };
     const std::size_t integerStart = i;
     while (i < text.size() && isDigit(text[i])) {
         ++i;
@@ -47,43 +48,48 @@ struct Decimal::Access {
     static_assert(sizeof(Number) <= sizeof(Decimal::m_storage));
     static_assert(alignof(Number) <= 8);
 
-    static Number& number(Decimal& d) { return *std::launder(reinterpret_cast<Number*>(d.m_storage.data())); }
-    static const Number& number(const Decimal& d)
-    {
+    static Number& number(Decimal& d) {
+        return *std::launder(reinterpret_cast<Number*>(d.m_storage.data()));
+    }
+    static const Number& number(const Decimal& d) {
         return *std::launder(reinterpret_cast<const Number*>(d.m_storage.data()));
     }
-    static Decimal make(Number&& n)
-    {
+    static Decimal make(Number&& n) {
         Decimal d;
         number(d) = std::move(n);
         return d;
     }
 };
 
-Decimal::Decimal() { new (m_storage.data()) Number(0); }
+Decimal::Decimal() {
+    new (m_storage.data()) Number(0);
+}
 
-Decimal::Decimal(std::int64_t value) { new (m_storage.data()) Number(value); }
+Decimal::Decimal(std::int64_t value) {
+    new (m_storage.data()) Number(value);
+}
 
-Decimal::Decimal(const Decimal& other) { new (m_storage.data()) Number(Access::number(other)); }
+Decimal::Decimal(const Decimal& other) {
+    new (m_storage.data()) Number(Access::number(other));
+}
 
-Decimal& Decimal::operator=(const Decimal& other)
-{
+Decimal& Decimal::operator=(const Decimal& other) {
     Access::number(*this) = Access::number(other);
     return *this;
 }
 
-Decimal::~Decimal() { Access::number(*this).~Number(); }
+Decimal::~Decimal() {
+    Access::number(*this).~Number();
+}
 
-std::optional<Decimal> Decimal::fromString(std::string_view text)
-{
+std::optional<Decimal> Decimal::fromString(std::string_view text) {
     if (!isPlainDecimal(text)) {
         return std::nullopt;
     }
     return Access::make(Number(std::string(text)));
 }
 
-std::string Decimal::toString() const
-{
+std::string Decimal::toString() const {
     const Number& n = Access::number(*this);
     if (n.is_zero()) {
         return "0";
@@ -122,27 +128,27 @@ std::string Decimal::toString() const
     return result;
 }
 
-bool Decimal::isZero() const { return Access::number(*this).is_zero(); }
+bool Decimal::isZero() const {
+    return Access::number(*this).is_zero();
+}
 
-bool Decimal::isNegative() const { return Access::number(*this).sign() < 0; }
+bool Decimal::isNegative() const {
+    return Access::number(*this).sign() < 0;
+}
 
-Decimal Decimal::operator+(const Decimal& other) const
-{
+Decimal Decimal::operator+(const Decimal& other) const {
     return Access::make(Access::number(*this) + Access::number(other));
 }
 
-Decimal Decimal::operator-(const Decimal& other) const
-{
+Decimal Decimal::operator-(const Decimal& other) const {
     return Access::make(Access::number(*this) - Access::number(other));
 }
 
-Decimal Decimal::operator*(const Decimal& other) const
-{
+Decimal Decimal::operator*(const Decimal& other) const {
     return Access::make(Access::number(*this) * Access::number(other));
 }
 
-std::optional<Decimal> Decimal::dividedBy(const Decimal& divisor) const
-{
+std::optional<Decimal> Decimal::dividedBy(const Decimal& divisor) const {
     if (divisor.isZero()) {
         return std::nullopt;
     }
@@ -152,19 +158,16 @@ std::optional<Decimal> Decimal::dividedBy(const Decimal& divisor) const
     return Access::make(Number(quotient.str(significantDigits - 1, std::ios_base::scientific)));
 }
 
-Decimal& Decimal::operator+=(const Decimal& other)
-{
+Decimal& Decimal::operator+=(const Decimal& other) {
     Access::number(*this) += Access::number(other);
     return *this;
 }
 
-bool operator==(const Decimal& a, const Decimal& b)
-{
+bool operator==(const Decimal& a, const Decimal& b) {
     return Decimal::Access::number(a) == Decimal::Access::number(b);
 }
 
-std::strong_ordering operator<=>(const Decimal& a, const Decimal& b)
-{
+std::strong_ordering operator<=>(const Decimal& a, const Decimal& b) {
     const auto& x = Decimal::Access::number(a);
     const auto& y = Decimal::Access::number(b);
     if (x < y) {

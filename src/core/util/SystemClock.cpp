@@ -2,9 +2,9 @@
 
 namespace vorlane {
 
-Instant SystemClock::now() const
-{
-    return std::chrono::time_point_cast<std::chrono::milliseconds>(std::chrono::system_clock::now());
+Instant SystemClock::now() const {
+    return std::chrono::time_point_cast<std::chrono::milliseconds>(
+        std::chrono::system_clock::now());
 }
 
 } // namespace vorlane

@@ -9,23 +9,23 @@ namespace vorlane {
 
 namespace {
 
-UDate toUDate(Instant instant) { return static_cast<UDate>(instant.time_since_epoch().count()); }
+UDate toUDate(Instant instant) {
+    return static_cast<UDate>(instant.time_since_epoch().count());
+}
 
-Instant fromUDate(UDate date)
-{
+Instant fromUDate(UDate date) {
     return Instant(std::chrono::milliseconds(static_cast<std::int64_t>(date)));
 }
 
 } // namespace
 
 UserCalendar::UserCalendar(const Clock& clock, std::string_view timeZoneId)
-    : m_clock(clock)
-{
-    icu::TimeZone* zone = timeZoneId.empty()
-                              ? icu::TimeZone::createDefault()
-                              : icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(
-                                    icu::StringPiece(timeZoneId.data(),
-                                                     static_cast<std::int32_t>(timeZoneId.size()))));
+    : m_clock(clock) {
+    icu::TimeZone* zone =
+        timeZoneId.empty()
+            ? icu::TimeZone::createDefault()
+            : icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(icu::StringPiece(
+                  timeZoneId.data(), static_cast<std::int32_t>(timeZoneId.size()))));
     UErrorCode status = U_ZERO_ERROR;
     // The calendar adopts the zone. The default locale picks the user's calendar system.
     m_calendar.reset(icu::Calendar::createInstance(zone, icu::Locale::getDefault(), status));
@@ -39,8 +39,7 @@ UserCalendar::UserCalendar(const Clock& clock, std::string_view timeZoneId)
 
 UserCalendar::~UserCalendar() = default;
 
-std::string UserCalendar::timeZoneId() const
-{
+std::string UserCalendar::timeZoneId() const {
     std::lock_guard lock(m_mutex);
     icu::UnicodeString id;
     m_calendar->getTimeZone().getID(id);
@@ -49,8 +48,7 @@ std::string UserCalendar::timeZoneId() const
     return text;
 }
 
-std::optional<int> UserCalendar::daysBetween(Instant from, Instant to) const
-{
+std::optional<int> UserCalendar::daysBetween(Instant from, Instant to) const {
     std::lock_guard lock(m_mutex);
     UErrorCode status = U_ZERO_ERROR;
     m_calendar->setTime(toUDate(from), status);
@@ -63,8 +61,7 @@ std::optional<int> UserCalendar::daysBetween(Instant from, Instant to) const
     return days;
 }
 
-std::optional<Instant> UserCalendar::adding(Unit unit, int amount, Instant instant) const
-{
+std::optional<Instant> UserCalendar::adding(Unit unit, int amount, Instant instant) const {
     std::lock_guard lock(m_mutex);
     UErrorCode status = U_ZERO_ERROR;
     m_calendar->setTime(toUDate(instant), status);

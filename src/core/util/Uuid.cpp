@@ -9,8 +9,7 @@ namespace vorlane {
 
 namespace {
 
-int hexValue(char c)
-{
+int hexValue(char c) {
     if (c >= '0' && c <= '9') {
         return c - '0';
     }
@@ -23,12 +22,13 @@ int hexValue(char c)
     return -1;
 }
 
-bool isDashPosition(std::size_t i) { return i == 8 || i == 13 || i == 18 || i == 23; }
+bool isDashPosition(std::size_t i) {
+    return i == 8 || i == 13 || i == 18 || i == 23;
+}
 
 } // namespace
 
-Uuid Uuid::generate()
-{
+Uuid Uuid::generate() {
     Bytes bytes{};
     if (RAND_bytes(bytes.data(), static_cast<int>(bytes.size())) != 1) {
         // OpenSSL's generator only fails when it cannot seed; the kernel's source still can.
@@ -42,8 +42,7 @@ Uuid Uuid::generate()
     return Uuid(bytes);
 }
 
-std::optional<Uuid> Uuid::fromString(std::string_view text)
-{
+std::optional<Uuid> Uuid::fromString(std::string_view text) {
     if (text.size() != 36) {
         return std::nullopt;
     }
@@ -68,8 +67,7 @@ std::optional<Uuid> Uuid::fromString(std::string_view text)
     return Uuid(bytes);
 }
 
-std::string Uuid::toString() const
-{
+std::string Uuid::toString() const {
     static constexpr char digits[] = "0123456789ABCDEF";
     std::string text;
     text.reserve(36);
@@ -83,12 +81,13 @@ std::string Uuid::toString() const
     return text;
 }
 
-bool Uuid::isNil() const { return *this == Uuid(); }
+bool Uuid::isNil() const {
+    return *this == Uuid();
+}
 
 } // namespace vorlane
 
-std::size_t std::hash<vorlane::Uuid>::operator()(const vorlane::Uuid& uuid) const noexcept
-{
+std::size_t std::hash<vorlane::Uuid>::operator()(const vorlane::Uuid& uuid) const noexcept {
     // Random UUIDs are already uniformly distributed: any 8 bytes make a good hash.
     std::uint64_t a = 0;
     std::uint64_t b = 0;

@@ -18,9 +18,7 @@ public:
     // The nil UUID (all zero): what a record has before it is given an identity.
     constexpr Uuid() = default;
     constexpr explicit Uuid(const Bytes& bytes)
-        : m_bytes(bytes)
-    {
-    }
+        : m_bytes(bytes) {}
 
     // A fresh random version-4 UUID from the system's secure random source.
     static Uuid generate();
@@ -40,7 +38,6 @@ private:
 
 } // namespace vorlane
 
-template <>
-struct std::hash<vorlane::Uuid> {
+template <> struct std::hash<vorlane::Uuid> {
     std::size_t operator()(const vorlane::Uuid& uuid) const noexcept;
 };
