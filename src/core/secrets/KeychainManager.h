@@ -1,0 +1,36 @@
+#pragma once
+
+#include "secrets/SecretBackend.h"
+
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace vorlane {
+
+// The only way secrets are stored: items of the desktop's secret store under the service
+// "com.vorlane.vault", one per account identifier ("vorlane.secret.<UUID>",
+// "vorlane.apikey.<UUID>"). Every call is serialised on one mutex, so a save (delete, then add) is
+// never seen half done. Failures are folded into false or nothing; nothing is thrown or logged.
+// Does not own the backend.
+class KeychainManager {
+public:
+    static constexpr std::string_view serviceName = "com.vorlane.vault";
+
+    explicit KeychainManager(SecretBackend& backend);
+
+    // Replaces any item under `account` with `data`; true exactly when the new item was added.
+    bool save(const SecretBytes& data, std::string_view account);
+    // The item's bytes; nothing for a missing item, an empty account, or any failure.
+    std::optional<SecretBytes> readData(std::string_view account);
+    // True when the item is gone afterwards, including when it never existed.
+    bool remove(std::string_view account);
+    bool isAvailable();
+
+private:
+    std::mutex m_mutex;
+    SecretBackend& m_backend;
+};
+
+} // namespace vorlane
