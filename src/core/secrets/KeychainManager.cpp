@@ -1,0 +1,45 @@
+#include "secrets/KeychainManager.h"
+
+namespace vorlane {
+
+KeychainManager::KeychainManager(SecretBackend& backend)
+    : m_backend(backend) {}
+
+bool KeychainManager::save(const SecretBytes& data, std::string_view account) {
+    // Records without a secret carry an empty identifier; it never names an item of ours, so
+    // nothing is stored under it and nothing can be read back from it.
+    if (account.empty()) {
+        return false;
+    }
+    const std::lock_guard lock(m_mutex);
+    // Delete first so that a save always replaces: a backend may refuse to add over an existing
+    // item, and an update in place could leave attributes of the old item behind. The delete's
+    // result does not matter; only whether the new item went in does.
+    m_backend.remove(serviceName, account);
+    return m_backend.add(serviceName, account, data) == SecretBackend::Status::success;
+}
+
+std::optional<SecretBytes> KeychainManager::readData(std::string_view account) {
+    if (account.empty()) {
+        return std::nullopt;
+    }
+    const std::lock_guard lock(m_mutex);
+    auto [status, value] = m_backend.read(serviceName, account);
+    if (status != SecretBackend::Status::success) {
+        return std::nullopt;
+    }
+    return value;
+}
+
+bool KeychainManager::remove(std::string_view account) {
+    const std::lock_guard lock(m_mutex);
+    const auto status = m_backend.remove(serviceName, account);
+    return status == SecretBackend::Status::success || status == SecretBackend::Status::notFound;
+}
+
+bool KeychainManager::isAvailable() {
+    const std::lock_guard lock(m_mutex);
+    return m_backend.isAvailable();
+}
+
+} // namespace vorlane

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "secrets/SecretBackend.h"
+
+namespace vorlane {
+
+// The secret store on the desktop's Secret Service (GNOME Keyring, KWallet, KeePassXC), through
+// libsecret's synchronous calls. Items use the libsecret schema "com.vorlane.vault" with the
+// string attributes "service" and "account", hold the value as binary
+// ("application/octet-stream") and live in the default collection. Attributes and labels are
+// stored unencrypted by most implementations, so they carry only the identifiers, never a
+// secret. Calls block until the service answers; any thread may call, one call at a time.
+class LibsecretBackend final : public SecretBackend {
+public:
+    Status add(std::string_view service, std::string_view account,
+               const SecretBytes& value) override;
+    std::pair<Status, std::optional<SecretBytes>> read(std::string_view service,
+                                                       std::string_view account) override;
+    // Removes every item matching service and account; notFound when there was none.
+    Status remove(std::string_view service, std::string_view account) override;
+    // Whether a session bus exists and a Secret Service answers on it (starting it by D-Bus
+    // activation where the desktop provides that). Gives up after about two seconds, so a
+    // missing bus or a stuck service never hangs the caller.
+    bool isAvailable() override;
+};
+
+} // namespace vorlane

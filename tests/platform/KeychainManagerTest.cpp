@@ -1,0 +1,330 @@
+// The secret store against a real GNOME Keyring on a private session bus (run-with-keyring.sh).
+// Items are also inspected and planted directly through libsecret, independently of the adapter,
+// so that the stored format (schema, attributes, label, collection) is checked as other programs
+// see it.
+
+#include "secrets/KeychainManager.h"
+
+#include "LibsecretBackend.h"
+
+#include <gtest/gtest.h>
+#include <libsecret/secret.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <map>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace vorlane {
+namespace {
+
+// What other programs see: schema "com.vorlane.vault" with the string attributes service and
+// account. Written out here on purpose instead of shared with the adapter.
+const SecretSchema storedSchema = {
+    "com.vorlane.vault",
+    SECRET_SCHEMA_NONE,
+    {
+        {"service", SECRET_SCHEMA_ATTRIBUTE_STRING},
+        {"account", SECRET_SCHEMA_ATTRIBUTE_STRING},
+        {nullptr, SECRET_SCHEMA_ATTRIBUTE_STRING},
+    },
+    0,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+};
+
+SecretBytes bytes(std::string_view text) {
+    return SecretBytes(text.begin(), text.end());
+}
+
+std::string text(const SecretBytes& data) {
+    return std::string(data.begin(), data.end());
+}
+
+// One item as found by a direct search of the keyring.
+struct StoredItem {
+    std::string label;
+    std::map<std::string, std::string> attributes;
+    std::string objectPath;
+    SecretBytes value;
+};
+
+GHashTable* attributeTable(const std::string& service, const std::string& account) {
+    GHashTable* table = g_hash_table_new(g_str_hash, g_str_equal);
+    g_hash_table_insert(table, const_cast<char*>("service"), const_cast<char*>(service.c_str()));
+    g_hash_table_insert(table, const_cast<char*>("account"), const_cast<char*>(account.c_str()));
+    return table;
+}
+
+std::vector<StoredItem> storedItems(const std::string& service, const std::string& account) {
+    GHashTable* attributes = attributeTable(service, account);
+    GError* error = nullptr;
+    GList* found = secret_password_searchv_sync(
+        &storedSchema, attributes,
+        static_cast<SecretSearchFlags>(SECRET_SEARCH_ALL | SECRET_SEARCH_UNLOCK), nullptr, &error);
+    g_hash_table_unref(attributes);
+    EXPECT_EQ(error, nullptr) << (error ? error->message : "");
+    g_clear_error(&error);
+
+    std::vector<StoredItem> items;
+    for (GList* node = found; node != nullptr; node = node->next) {
+        auto* retrievable = static_cast<SecretRetrievable*>(node->data);
+        StoredItem item;
+        gchar* label = secret_retrievable_get_label(retrievable);
+        item.label = label;
+        g_free(label);
+        GHashTable* itemAttributes = secret_retrievable_get_attributes(retrievable);
+        GHashTableIter iter;
+        gpointer key = nullptr;
+        gpointer value = nullptr;
+        g_hash_table_iter_init(&iter, itemAttributes);
+        while (g_hash_table_iter_next(&iter, &key, &value)) {
+            item.attributes[static_cast<const char*>(key)] = static_cast<const char*>(value);
+        }
+        g_hash_table_unref(itemAttributes);
+        item.objectPath = g_dbus_proxy_get_object_path(G_DBUS_PROXY(retrievable));
+        SecretValue* secret = secret_retrievable_retrieve_secret_sync(retrievable, nullptr, &error);
+        EXPECT_EQ(error, nullptr) << (error ? error->message : "");
+        g_clear_error(&error);
+        if (secret != nullptr) {
+            gsize length = 0;
+            const auto* data =
+                reinterpret_cast<const std::uint8_t*>(secret_value_get(secret, &length));
+            item.value.assign(data, data + length);
+            secret_value_unref(secret);
+        }
+        items.push_back(std::move(item));
+    }
+    g_list_free_full(found, g_object_unref);
+    return items;
+}
+
+struct ObjectDeleter {
+    void operator()(gpointer object) const { g_object_unref(object); }
+};
+
+std::unique_ptr<SecretCollection, ObjectDeleter> defaultCollection() {
+    GError* error = nullptr;
+    // libsecret 0.20 cannot look an alias up without an explicit service object.
+    const std::unique_ptr<SecretService, ObjectDeleter> secretService(
+        secret_service_get_sync(SECRET_SERVICE_NONE, nullptr, &error));
+    EXPECT_NE(secretService, nullptr) << (error ? error->message : "");
+    g_clear_error(&error);
+    if (!secretService) {
+        return nullptr;
+    }
+    std::unique_ptr<SecretCollection, ObjectDeleter> collection(secret_collection_for_alias_sync(
+        secretService.get(), SECRET_COLLECTION_DEFAULT, SECRET_COLLECTION_NONE, nullptr, &error));
+    EXPECT_NE(collection, nullptr) << (error ? error->message : "no default collection");
+    g_clear_error(&error);
+    return collection;
+}
+
+// Plants an item the way another program would, bypassing the adapter. Items with equal
+// attributes are added side by side, not replaced, as a careless client might leave them.
+void plantItem(const std::string& service, const std::string& account, std::string_view value) {
+    const auto collection = defaultCollection();
+    ASSERT_NE(collection, nullptr);
+    GHashTable* attributes = attributeTable(service, account);
+    SecretValue* secret =
+        secret_value_new(value.data(), static_cast<gssize>(value.size()), "text/plain");
+    GError* error = nullptr;
+    SecretItem* item =
+        secret_item_create_sync(collection.get(), &storedSchema, attributes, "planted by a test",
+                                secret, SECRET_ITEM_CREATE_NONE, nullptr, &error);
+    secret_value_unref(secret);
+    g_hash_table_unref(attributes);
+    ASSERT_NE(item, nullptr) << (error ? error->message : "");
+    g_object_unref(item);
+    g_clear_error(&error);
+}
+
+const std::string service(KeychainManager::serviceName);
+
+class KeychainManagerTest : public ::testing::Test {
+protected:
+    LibsecretBackend m_backend;
+    KeychainManager m_keychain{m_backend};
+};
+
+TEST_F(KeychainManagerTest, SavedSecretReadsBackAsOneItemInTheDefaultCollection) {
+    const std::string account = "vorlane.secret.6F9619FF-8B86-D011-B42D-00C04FC964FF";
+    ASSERT_TRUE(m_keychain.isAvailable());
+    ASSERT_TRUE(m_keychain.save(bytes("hunter2-correct-horse"), account));
+
+    const auto read = m_keychain.readData(account);
+    ASSERT_TRUE(read.has_value());
+    EXPECT_EQ(text(*read), "hunter2-correct-horse");
+
+    const auto items = storedItems(service, account);
+    ASSERT_EQ(items.size(), 1u);
+    const StoredItem& item = items.front();
+    EXPECT_EQ(item.value, bytes("hunter2-correct-horse"));
+    const auto collectionObject = defaultCollection();
+    ASSERT_NE(collectionObject, nullptr);
+    const std::string collection =
+        g_dbus_proxy_get_object_path(G_DBUS_PROXY(collectionObject.get()));
+    EXPECT_EQ(item.objectPath.rfind(collection + "/", 0), 0u)
+        << item.objectPath << " is not in " << collection;
+
+    // Labels and attributes are readable without unlocking: they carry identifiers only.
+    const std::map<std::string, std::string> expectedAttributes = {
+        {"service", "com.vorlane.vault"},
+        {"account", account},
+        {"xdg:schema", "com.vorlane.vault"},
+    };
+    EXPECT_EQ(item.attributes, expectedAttributes);
+    EXPECT_NE(item.label.find(account), std::string::npos) << item.label;
+    EXPECT_EQ(item.label.find("hunter2"), std::string::npos) << item.label;
+}
+
+TEST_F(KeychainManagerTest, SavingAgainReplacesTheItem) {
+    const std::string account = "vorlane.apikey.0E984725-C51C-4BF4-9960-E1C80E27ABA0";
+    ASSERT_TRUE(m_keychain.save(bytes("first key"), account));
+    ASSERT_TRUE(m_keychain.save(bytes("second"), account));
+
+    EXPECT_EQ(m_keychain.readData(account), bytes("second"));
+    const auto items = storedItems(service, account);
+    ASSERT_EQ(items.size(), 1u);
+    EXPECT_EQ(items.front().value, bytes("second"));
+}
+
+TEST_F(KeychainManagerTest, SavingOverSeveralLeftoverItemsLeavesOnlyTheNewOne) {
+    // Another client may have stored duplicates under our service and account.
+    const std::string account = "vorlane.secret.duplicated";
+    plantItem(service, account, "old one");
+    plantItem(service, account, "old two");
+    ASSERT_EQ(storedItems(service, account).size(), 2u);
+
+    ASSERT_TRUE(m_keychain.save(bytes("fresh"), account));
+    const auto items = storedItems(service, account);
+    ASSERT_EQ(items.size(), 1u);
+    EXPECT_EQ(items.front().value, bytes("fresh"));
+}
+
+TEST_F(KeychainManagerTest, MissingOrEmptyIdentifiersReadAsNothing) {
+    EXPECT_EQ(m_keychain.readData("vorlane.secret.never-saved"), std::nullopt);
+    EXPECT_EQ(m_keychain.readData(""), std::nullopt);
+
+    // An item that some other program keeps under an empty account is still not ours to read.
+    plantItem(service, "", "not for us");
+    EXPECT_EQ(m_keychain.readData(""), std::nullopt);
+    EXPECT_FALSE(m_keychain.save(bytes("nowhere to go"), ""));
+    EXPECT_EQ(storedItems(service, "").size(), 1u);
+}
+
+TEST_F(KeychainManagerTest, RemovingDeletesTheItemAndMissingItemsAreFine) {
+    const std::string account = "vorlane.secret.to-remove";
+    ASSERT_TRUE(m_keychain.save(bytes("short-lived"), account));
+    EXPECT_TRUE(m_keychain.remove(account));
+    EXPECT_EQ(m_keychain.readData(account), std::nullopt);
+    EXPECT_TRUE(storedItems(service, account).empty());
+
+    EXPECT_TRUE(m_keychain.remove(account));
+    EXPECT_TRUE(m_keychain.remove("vorlane.apikey.never-saved"));
+}
+
+TEST_F(KeychainManagerTest, ItemsOfAnotherServiceAreNeitherReadNorDeleted) {
+    const std::string account = "vorlane.secret.shared-name";
+    plantItem("com.example.other", account, "someone else's");
+
+    EXPECT_EQ(m_keychain.readData(account), std::nullopt);
+    EXPECT_TRUE(m_keychain.remove(account));
+    ASSERT_TRUE(m_keychain.save(bytes("ours"), account));
+    ASSERT_TRUE(m_keychain.remove(account));
+
+    const auto theirs = storedItems("com.example.other", account);
+    ASSERT_EQ(theirs.size(), 1u);
+    EXPECT_EQ(theirs.front().value, bytes("someone else's"));
+}
+
+TEST_F(KeychainManagerTest, BinaryValuesRoundTripByteForByte) {
+    SecretBytes everyByte;
+    for (int round = 0; round < 2; ++round) {
+        for (int value = 0; value < 256; ++value) {
+            everyByte.push_back(static_cast<std::uint8_t>(value));
+        }
+    }
+    const SecretBytes nulInside = {'a', 0, 'b', 0, 0, 'c', 0};
+    const std::string utf8 = "pässwörd — 密码 🔑";
+
+    ASSERT_TRUE(m_keychain.save(everyByte, "vorlane.secret.every-byte"));
+    ASSERT_TRUE(m_keychain.save(nulInside, "vorlane.secret.nul-inside"));
+    ASSERT_TRUE(m_keychain.save(bytes(utf8), "vorlane.secret.utf8"));
+
+    EXPECT_EQ(m_keychain.readData("vorlane.secret.every-byte"), everyByte);
+    EXPECT_EQ(m_keychain.readData("vorlane.secret.nul-inside"), nulInside);
+    EXPECT_EQ(m_keychain.readData("vorlane.secret.utf8"), bytes(utf8));
+}
+
+TEST_F(KeychainManagerTest, EmptyValueIsStoredAsEmptyNotAsMissing) {
+    ASSERT_TRUE(m_keychain.save({}, "vorlane.secret.empty"));
+    const auto read = m_keychain.readData("vorlane.secret.empty");
+    ASSERT_TRUE(read.has_value());
+    EXPECT_TRUE(read->empty());
+}
+
+TEST_F(KeychainManagerTest, ConcurrentCallersNeverSeeAHalfDoneSave) {
+    const std::string shared = "vorlane.secret.contended";
+    const std::vector<std::string> writerValues = {"alpha-value", "bravo-value", "charlie-value"};
+    ASSERT_TRUE(m_keychain.save(bytes("initial-value"), shared));
+
+    std::atomic<int> failedSaves = 0;
+    std::atomic<int> gapsSeen = 0;
+    std::atomic<int> foreignValues = 0;
+    std::atomic<int> ownMismatches = 0;
+    std::vector<std::thread> threads;
+    for (std::size_t writer = 0; writer < writerValues.size(); ++writer) {
+        threads.emplace_back([&, writer] {
+            const std::string own = "vorlane.secret.own-" + std::to_string(writer);
+            for (int round = 0; round < 15; ++round) {
+                const std::string value = writerValues[writer] + "-" + std::to_string(round);
+                if (!m_keychain.save(bytes(writerValues[writer]), shared) ||
+                    !m_keychain.save(bytes(value), own)) {
+                    ++failedSaves;
+                }
+                if (m_keychain.readData(own) != bytes(value)) {
+                    ++ownMismatches;
+                }
+            }
+        });
+    }
+    for (int reader = 0; reader < 2; ++reader) {
+        threads.emplace_back([&] {
+            for (int round = 0; round < 40; ++round) {
+                const auto read = m_keychain.readData(shared);
+                if (!read) {
+                    ++gapsSeen;
+                } else if (text(*read) != "initial-value" &&
+                           std::find(writerValues.begin(), writerValues.end(), text(*read)) ==
+                               writerValues.end()) {
+                    ++foreignValues;
+                }
+            }
+        });
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
+
+    EXPECT_EQ(failedSaves, 0);
+    EXPECT_EQ(gapsSeen, 0) << "a reader saw the item between a save's delete and its add";
+    EXPECT_EQ(foreignValues, 0);
+    EXPECT_EQ(ownMismatches, 0);
+    const auto items = storedItems(service, shared);
+    ASSERT_EQ(items.size(), 1u);
+    EXPECT_NE(std::find(writerValues.begin(), writerValues.end(), text(items.front().value)),
+              writerValues.end());
+}
+
+} // namespace
+} // namespace vorlane
