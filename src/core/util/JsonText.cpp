@@ -1,0 +1,22 @@
+#include "util/JsonText.h"
+
+namespace vorlane {
+
+std::string JsonText::compact(const nlohmann::ordered_json& value) {
+    // Invalid UTF-8 (which no text of ours should hold) becomes U+FFFD instead of an exception.
+    const std::string plain =
+        value.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+    // Outside strings compact JSON has no "/", so every one of them is inside a string and the
+    // escaped form means the same text to any reader.
+    std::string escaped;
+    escaped.reserve(plain.size() + plain.size() / 16);
+    for (const char c : plain) {
+        if (c == '/') {
+            escaped.push_back('\\');
+        }
+        escaped.push_back(c);
+    }
+    return escaped;
+}
+
+} // namespace vorlane
