@@ -1,0 +1,139 @@
+// Opening bundles the way a recipient does: from the file's text, with a password or key text.
+
+#include "crypto/BundleReader.h"
+
+#include "ManualClock.h"
+#include "TestTime.h"
+#include "crypto/CryptoManager.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace vorlane;
+using vorlane::testing::ManualClock;
+using vorlane::testing::utc;
+
+const std::string payload = R"({"organization":"Acme","items":[{"password":"s3cr\/t"}]})";
+
+class BundleReaderTest : public ::testing::Test {
+protected:
+    // Seals, writes the file's text, and reads it back, as sender and recipient would.
+    std::pair<ExportBundle, std::optional<std::string>>
+    sealThroughFile(std::string_view content, std::optional<std::string_view> password) {
+        auto sealed = crypto.createExportBundle(asBytes(content), password);
+        EXPECT_TRUE(sealed.ok());
+        auto read = ExportBundle::fromJson(sealed.value().bundle.toJson());
+        EXPECT_TRUE(read.ok());
+        return {std::move(read).value(), std::move(sealed).value().key};
+    }
+
+    static std::string text(const Bytes& bytes) { return {bytes.begin(), bytes.end()}; }
+
+    ManualClock clock{utc(2024, 5, 17, 9, 30)};
+    CryptoManager crypto{clock};
+};
+
+TEST_F(BundleReaderTest, PasswordBundleOpensWithThePasswordOnly) {
+    const auto [bundle, key] = sealThroughFile(payload, "correct horse");
+    ASSERT_TRUE(BundleReader::needsPassword(bundle));
+
+    const auto opened = BundleReader::open(bundle, "correct horse");
+    ASSERT_TRUE(opened.ok());
+    EXPECT_EQ(text(opened.value()), payload);
+
+    const std::pair<std::string_view, CryptoError> wrong[] = {
+        {"", CryptoError::passwordRequired},
+        {"correct horse ", CryptoError::decryptionFailed},
+        {"Correct horse", CryptoError::decryptionFailed},
+        {"caf\xE9", CryptoError::keyDerivationFailed},
+    };
+    for (const auto& [secret, error] : wrong) {
+        SCOPED_TRACE(secret);
+        const auto refused = BundleReader::open(bundle, secret);
+        ASSERT_FALSE(refused.ok());
+        EXPECT_EQ(refused.error(), error);
+    }
+}
+
+TEST_F(BundleReaderTest, GeneratedKeyBundleOpensWithTheKeyTextOnly) {
+    const auto [bundle, key] = sealThroughFile(payload, std::nullopt);
+    ASSERT_FALSE(BundleReader::needsPassword(bundle));
+    ASSERT_TRUE(key.has_value());
+
+    for (const std::string& pasted : {*key, "  " + *key + "\n"}) {
+        const auto opened = BundleReader::open(bundle, pasted);
+        ASSERT_TRUE(opened.ok());
+        EXPECT_EQ(text(opened.value()), payload);
+    }
+
+    const auto otherKey = SymmetricKey::random();
+    ASSERT_TRUE(otherKey.has_value());
+    const std::pair<std::string, CryptoError> wrong[] = {
+        {"", CryptoError::invalidKey},
+        {"correct horse", CryptoError::invalidKey},
+        {key->substr(0, 40) + "==", CryptoError::invalidKey},
+        {CryptoManager::keyToBase64(*otherKey), CryptoError::decryptionFailed},
+    };
+    for (const auto& [secret, error] : wrong) {
+        SCOPED_TRACE(secret);
+        const auto refused = BundleReader::open(bundle, secret);
+        ASSERT_FALSE(refused.ok());
+        EXPECT_EQ(refused.error(), error);
+    }
+}
+
+TEST_F(BundleReaderTest, EverySingleByteFlipOfTheSealedDataIsRejected) {
+    for (const std::optional<std::string_view> password :
+         {std::optional<std::string_view>("pw"), std::optional<std::string_view>()}) {
+        const auto [bundle, key] = sealThroughFile("{\"a\":1}", password);
+        const std::string secret = key ? *key : "pw";
+        ASSERT_EQ(bundle.encryptedPayload.size(), 7u + 28u);
+        for (std::size_t i = 0; i < bundle.encryptedPayload.size(); ++i) {
+            for (const std::uint8_t mask : {0x01, 0x80, 0xFF}) {
+                ExportBundle altered = bundle;
+                altered.encryptedPayload[i] ^= mask;
+                const auto refused = BundleReader::open(altered, secret);
+                ASSERT_FALSE(refused.ok()) << "byte " << i << " mask " << int(mask);
+                EXPECT_EQ(refused.error(), CryptoError::decryptionFailed);
+            }
+        }
+    }
+}
+
+TEST_F(BundleReaderTest, TruncatedOrAlteredSaltIsRejected) {
+    const auto [bundle, key] = sealThroughFile(payload, "pw");
+    ExportBundle truncated = bundle;
+    truncated.encryptedPayload.pop_back();
+    EXPECT_EQ(BundleReader::open(truncated, "pw").error(), CryptoError::decryptionFailed);
+    truncated.encryptedPayload.resize(27);
+    EXPECT_EQ(BundleReader::open(truncated, "pw").error(), CryptoError::decryptionFailed);
+
+    ExportBundle otherSalt = bundle;
+    otherSalt.salt[5] ^= 0x10;
+    EXPECT_EQ(BundleReader::open(otherSalt, "pw").error(), CryptoError::decryptionFailed);
+}
+
+TEST_F(BundleReaderTest, PayloadThatDoesNotMatchItsIntegrityHashIsNotReturned) {
+    const auto [bundle, key] = sealThroughFile(payload, "pw");
+    ExportBundle altered = bundle;
+    altered.integrity = CryptoManager::integrityOf(asBytes(payload + " "));
+    const auto refused = BundleReader::open(altered, "pw");
+    ASSERT_FALSE(refused.ok());
+    EXPECT_EQ(refused.error(), CryptoError::integrityCheckFailed);
+    EXPECT_EQ(errorDescription(refused.error()),
+              "Data integrity check failed. The data may have been tampered with.");
+}
+
+TEST_F(BundleReaderTest, LargeAndBinaryPayloadsRoundTrip) {
+    std::string large(3 * 1024 * 1024 + 7, '\0');
+    for (std::size_t i = 0; i < large.size(); ++i) {
+        large[i] = static_cast<char>((i * 131) % 256);
+    }
+    const auto [bundle, key] = sealThroughFile(large, "pw");
+    const auto opened = BundleReader::open(bundle, "pw");
+    ASSERT_TRUE(opened.ok());
+    EXPECT_TRUE(text(opened.value()) == large);
+}
+
+} // namespace
