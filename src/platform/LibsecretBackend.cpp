@@ -118,6 +118,17 @@ SecretBackend::Status LibsecretBackend::remove(std::string_view service, std::st
     if (error.isSet()) {
         return Status::failure;
     }
+    // Items in a locked collection are passed over without an error, which would let a delete
+    // that left the secret behind pass for success. Their attributes stay searchable while
+    // locked, so anything still matching means the delete failed.
+    ErrorSlot searchError;
+    GList* remaining = secret_password_searchv_sync(&vaultSchema, attributes.get(),
+                                                    SECRET_SEARCH_ALL, nullptr, searchError.out());
+    const bool anyLeft = remaining != nullptr;
+    g_list_free_full(remaining, g_object_unref);
+    if (searchError.isSet() || anyLeft) {
+        return Status::failure;
+    }
     return removed ? Status::success : Status::notFound;
 }
 

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <memory>
@@ -148,10 +149,79 @@ void plantItem(const std::string& service, const std::string& account, std::stri
     g_clear_error(&error);
 }
 
+// Matching items, locked ones included, without unlocking or reading any secret.
+std::size_t itemCount(const std::string& service, const std::string& account) {
+    GHashTable* attributes = attributeTable(service, account);
+    GError* error = nullptr;
+    GList* found =
+        secret_password_searchv_sync(&storedSchema, attributes, SECRET_SEARCH_ALL, nullptr, &error);
+    g_hash_table_unref(attributes);
+    EXPECT_EQ(error, nullptr) << (error ? error->message : "");
+    g_clear_error(&error);
+    const std::size_t count = g_list_length(found);
+    g_list_free_full(found, g_object_unref);
+    return count;
+}
+
+// Locking needs no prompt, so the service does it straight away.
+void lockDefaultCollection() {
+    const auto collection = defaultCollection();
+    ASSERT_NE(collection, nullptr);
+    GList* objects = g_list_append(nullptr, collection.get());
+    GError* error = nullptr;
+    const gint locked = secret_service_lock_sync(nullptr, objects, nullptr, nullptr, &error);
+    g_list_free(objects);
+    ASSERT_EQ(locked, 1) << (error ? error->message : "");
+    g_clear_error(&error);
+}
+
+// Unlocking normally asks the user through a prompter, which a headless run lacks. GNOME
+// Keyring also takes the password directly, over a plain (unencrypted) session on the private
+// test bus; this is the password run-with-keyring.sh created the keyring with.
+void unlockDefaultCollection(const std::string& password) {
+    const auto collection = defaultCollection();
+    ASSERT_NE(collection, nullptr);
+    GError* error = nullptr;
+    GDBusConnection* bus = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error);
+    ASSERT_NE(bus, nullptr) << (error ? error->message : "");
+    GVariant* opened = g_dbus_connection_call_sync(
+        bus, "org.freedesktop.secrets", "/org/freedesktop/secrets",
+        "org.freedesktop.Secret.Service", "OpenSession",
+        g_variant_new("(sv)", "plain", g_variant_new_string("")), G_VARIANT_TYPE("(vo)"),
+        G_DBUS_CALL_FLAGS_NONE, -1, nullptr, &error);
+    ASSERT_NE(opened, nullptr) << (error ? error->message : "");
+    const gchar* session = nullptr;
+    g_variant_get(opened, "(v&o)", nullptr, &session);
+    const std::string sessionPath = session;
+    g_variant_unref(opened);
+
+    GVariant* master = g_variant_new(
+        "(o@ay@ays)", sessionPath.c_str(), g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, "", 0, 1),
+        g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, password.data(), password.size(), 1),
+        "text/plain");
+    GVariant* unlocked = g_dbus_connection_call_sync(
+        bus, "org.freedesktop.secrets", "/org/freedesktop/secrets",
+        "org.gnome.keyring.InternalUnsupportedGuiltRiddenInterface", "UnlockWithMasterPassword",
+        g_variant_new("(o@(oayays))", g_dbus_proxy_get_object_path(G_DBUS_PROXY(collection.get())),
+                      master),
+        nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, &error);
+    g_object_unref(bus);
+    ASSERT_NE(unlocked, nullptr) << (error ? error->message : "");
+    g_variant_unref(unlocked);
+}
+
 const std::string service(KeychainManager::serviceName);
 
 class KeychainManagerTest : public ::testing::Test {
 protected:
+    void SetUp() override {
+        // Without the harness these tests would write into the user's own login keyring.
+        const char* password = std::getenv("VORLANE_TEST_KEYRING_PASSWORD");
+        ASSERT_NE(password, nullptr) << "run through tests/support/run-with-keyring.sh";
+        m_keyringPassword = password;
+    }
+
+    std::string m_keyringPassword;
     LibsecretBackend m_backend;
     KeychainManager m_keychain{m_backend};
 };
@@ -273,6 +343,24 @@ TEST_F(KeychainManagerTest, EmptyValueIsStoredAsEmptyNotAsMissing) {
     EXPECT_TRUE(read->empty());
 }
 
+TEST_F(KeychainManagerTest, LockedKeyringRefusesChangesAndLosesNothing) {
+    const std::string account = "vorlane.secret.behind-a-lock";
+    ASSERT_TRUE(m_keychain.save(bytes("kept"), account));
+    lockDefaultCollection();
+
+    EXPECT_TRUE(m_keychain.isAvailable());
+    EXPECT_EQ(m_keychain.readData(account), std::nullopt);
+    EXPECT_FALSE(m_keychain.save(bytes("replacement"), account));
+    EXPECT_FALSE(m_keychain.save(bytes("newcomer"), "vorlane.secret.new-while-locked"));
+    EXPECT_FALSE(m_keychain.remove(account)) << "the item is still there";
+    EXPECT_EQ(itemCount(service, account), 1u);
+
+    unlockDefaultCollection(m_keyringPassword);
+    EXPECT_EQ(m_keychain.readData(account), bytes("kept"));
+    EXPECT_EQ(m_keychain.readData("vorlane.secret.new-while-locked"), std::nullopt);
+    EXPECT_TRUE(m_keychain.remove(account));
+}
+
 TEST_F(KeychainManagerTest, ConcurrentCallersNeverSeeAHalfDoneSave) {
     const std::string shared = "vorlane.secret.contended";
     const std::vector<std::string> writerValues = {"alpha-value", "bravo-value", "charlie-value"};
@@ -324,6 +412,30 @@ TEST_F(KeychainManagerTest, ConcurrentCallersNeverSeeAHalfDoneSave) {
     ASSERT_EQ(items.size(), 1u);
     EXPECT_NE(std::find(writerValues.begin(), writerValues.end(), text(items.front().value)),
               writerValues.end());
+}
+
+// Runs in a child process of its own (see below): the session bus is per process in GLib, so
+// the parent's bus must not be reused. Reports on stderr, for the parent to match.
+[[noreturn]] void reportWithoutSessionBus() {
+    ::setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/vorlane-test-bus", 1);
+    ::unsetenv("DISPLAY"); // no X11 to autolaunch a bus from
+    LibsecretBackend backend;
+    KeychainManager keychain(backend);
+    const bool available = keychain.isAvailable();
+    const bool saved = keychain.save(bytes("nowhere"), "vorlane.secret.no-bus");
+    const bool read = keychain.readData("vorlane.secret.no-bus").has_value();
+    const bool removed = keychain.remove("vorlane.secret.no-bus");
+    std::fprintf(stderr, "available=%d saved=%d read=%d removed=%d\n", available, saved, read,
+                 removed);
+    std::exit(0);
+}
+
+TEST(KeychainManagerWithoutServiceTest, EveryCallFailsAtOnceWithoutASessionBus) {
+    // A fresh process, re-executed rather than forked, so that no bus connection or libsecret
+    // state of this process carries over; ctest's timeout catches a hang.
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(reportWithoutSessionBus(), ::testing::ExitedWithCode(0),
+                "available=0 saved=0 read=0 removed=0");
 }
 
 } // namespace

@@ -33,6 +33,9 @@ export XDG_DATA_HOME="$root/data"
 export XDG_CONFIG_HOME="$root/config"
 export XDG_CACHE_HOME="$root/cache"
 export XDG_RUNTIME_DIR="$root/runtime"
+# The throwaway password of the test keyring; tests that lock it use it to unlock it again, and
+# its presence tells them they run on a private keyring, not the user's own.
+export VORLANE_TEST_KEYRING_PASSWORD="vorlane-test"
 
 # The inner shell starts the daemon on the private bus, unlocks (and so creates) the login keyring
 # with a throwaway password, adopts the variables the daemon prints, waits until the daemon owns
@@ -42,7 +45,7 @@ export XDG_RUNTIME_DIR="$root/runtime"
 # ends. stdin is /dev/null so that the run never waits on a terminal, in CI or not.
 status=0
 dbus-run-session -- sh -c '
-    daemon_env=$(printf "vorlane-test" | gnome-keyring-daemon --daemonize --unlock --components=secrets) || {
+    daemon_env=$(printf "%s" "$VORLANE_TEST_KEYRING_PASSWORD" | gnome-keyring-daemon --daemonize --unlock --components=secrets) || {
         echo "run-with-keyring: gnome-keyring-daemon did not start" >&2
         exit 1
     }
