@@ -13,7 +13,7 @@ packages=(
   breeze-icon-theme hicolor-icon-theme fonts-dejavu-core
   # tests and benchmarks
   libgtest-dev libgmock-dev libbenchmark-dev
-  dbus dbus-daemon gnome-keyring libpam-wrapper libpam-modules
+  dbus dbus-daemon dbus-bin gnome-keyring libpam-wrapper libpam-modules
   xvfb xauth sqlite3
   # fuzzing (clang's libFuzzer and sanitizer runtimes)
   clang libclang-rt-14-dev

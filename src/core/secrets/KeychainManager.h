@@ -21,11 +21,15 @@ public:
     explicit KeychainManager(SecretBackend& backend);
 
     // Replaces any item under `account` with `data`; true exactly when the new item was added.
+    // An empty account names no item: false, and nothing is stored.
     bool save(const SecretBytes& data, std::string_view account);
     // The item's bytes; nothing for a missing item, an empty account, or any failure.
     std::optional<SecretBytes> readData(std::string_view account);
-    // True when the item is gone afterwards, including when it never existed.
+    // True when the item is gone afterwards, including when it never existed; false when it
+    // could not be deleted (a locked or unreachable store), and then it is still there.
     bool remove(std::string_view account);
+    // Whether the store can be reached, so that the program can tell the user when secrets
+    // cannot be kept; it answers within a few seconds even when nothing is listening.
     bool isAvailable();
 
 private:
