@@ -1,6 +1,7 @@
 // vorlane-cli: the vault from a terminal, for scripts, demos and the recipient of an export.
 
 #include "CliCommand.h"
+#include "OpenBundleCommand.h"
 #include "ProcessHardening.h"
 
 #include <iostream>
@@ -14,6 +15,7 @@ using vorlane::CliCommand;
 
 std::vector<std::unique_ptr<CliCommand>> makeCommands() {
     std::vector<std::unique_ptr<CliCommand>> commands;
+    commands.push_back(std::make_unique<vorlane::OpenBundleCommand>());
     return commands;
 }
 
