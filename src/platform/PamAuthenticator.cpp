@@ -144,6 +144,10 @@ private:
             switch (message.msg_style) {
             case PAM_PROMPT_ECHO_OFF:
             case PAM_PROMPT_ECHO_ON: {
+                if (responses == nullptr) {
+                    dropResponses(replies, count); // a question with nowhere to put the answer
+                    return PAM_CONV_ERR;
+                }
                 std::optional<SecretBuffer> answer =
                     self->ask(text, message.msg_style == PAM_PROMPT_ECHO_ON);
                 if (!answer) {
@@ -171,7 +175,12 @@ private:
                 return PAM_CONV_ERR;
             }
         }
-        *responses = replies;
+        // Some modules pass no reply pointer with messages that need no answer.
+        if (responses != nullptr) {
+            *responses = replies;
+        } else {
+            dropResponses(replies, count);
+        }
         return PAM_SUCCESS;
     }
 

@@ -1,8 +1,12 @@
 #include "Application.h"
 
+#include "DialogAuthenticationPrompt.h"
 #include "MainWindow.h"
+#include "PamAuthenticator.h"
 #include "ProcessHardening.h"
+#include "QtTimers.h"
 #include "SymbolIcon.h"
+#include "auth/AuthManager.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -63,6 +67,10 @@ int Application::run(int argc, char* argv[]) {
     // no icon comes out blank under a theme that lacks one of them.
     SymbolIcon::installTheme();
     QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("security-high")));
+
+    QtTimers mainLoop;
+    PamAuthenticator authenticator(mainLoop, DialogAuthenticationPrompt::factory());
+    AuthManager::shared().connectPlatform(authenticator, mainLoop);
 
     MainWindow window;
     window.show();
