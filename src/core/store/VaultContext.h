@@ -1,0 +1,154 @@
+#pragma once
+
+#include "model/Organization.h"
+#include "model/ServiceRecord.h"
+#include "model/ShareRecord.h"
+#include "util/Decimal.h"
+#include "util/Instant.h"
+#include "util/Uuid.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace vorlane {
+
+class LocalizedOrder;
+
+// The vault's object graph in memory, with what changed since the last save and the indexes that
+// keep the store's lists and totals fast in a large vault: services ordered by title, services
+// ordered by expiration date, organizations ordered by name, a folded search text per record,
+// per-organization cost totals and the count of active services.
+//
+// Owns every record; the records' relationship pointers (`ServiceRecord::organization`,
+// `Organization::services`, `shareHistory`) are kept in step here. A record's address is stable
+// from insertion until it is removed, when it is destroyed. Whoever changes a record's fields
+// calls `noteChanged` so that the indexes and the pending changes follow. Main thread only.
+class VaultContext {
+public:
+    // What `save` must write: records to insert or update, ids whose rows go. An organization's
+    // logo is written only when `logoLoaded` (the in-memory value is the truth) or it holds bytes.
+    struct Changes {
+        std::vector<const Organization*> organizations;
+        std::vector<const ServiceRecord*> services;
+        std::vector<const ShareRecord*> shares;
+        std::vector<Uuid> removedOrganizations;
+        std::vector<Uuid> removedServices;
+        std::vector<Uuid> removedShares;
+        std::unordered_set<const Organization*> logoLoaded;
+        bool empty() const;
+    };
+
+    explicit VaultContext(const LocalizedOrder& order);
+    ~VaultContext();
+    VaultContext(const VaultContext&) = delete;
+    VaultContext& operator=(const VaultContext&) = delete;
+
+    // Insertions. `pending` false is for records read from the file: nothing to write back.
+    // A service or share record is appended to its organization's list; `owner` may be null
+    // only for rows of the file that have no organization.
+    Organization& insert(std::unique_ptr<Organization> organization, bool pending = true);
+    ServiceRecord& insert(std::unique_ptr<ServiceRecord> service, Organization* owner,
+                          bool pending = true);
+    ShareRecord& insert(std::unique_ptr<ShareRecord> share, Organization* owner,
+                        bool pending = true);
+
+    // Removal destroys the record. An organization takes its services and share records along.
+    void remove(Organization& organization);
+    void remove(ServiceRecord& service);
+    void remove(ShareRecord& share);
+
+    void noteChanged(Organization& organization);
+    void noteChanged(ServiceRecord& service);
+    void noteChanged(ShareRecord& share);
+    // Moves a service to the end of another organization's list.
+    void moveService(ServiceRecord& service, Organization& newOwner);
+
+    bool hasChanges() const;
+    Changes changes() const;
+    // After a successful save: nothing is pending any more.
+    void clearChanges();
+
+    // The logo column is read lazily: until then the in-memory `logoData` is not the truth.
+    bool isLogoLoaded(const Organization& organization) const;
+    void markLogoLoaded(Organization& organization);
+
+    Organization* organization(const Uuid& id) const;
+    ServiceRecord* service(const Uuid& id) const;
+    std::size_t organizationCount() const { return m_organizations.size(); }
+    std::size_t serviceCount() const { return m_services.size(); }
+
+    // Ordered walks over every organization by name, every service by title (archived ones
+    // included; ties in insertion order).
+    void forEachOrganizationByName(const std::function<void(Organization&)>& visit) const;
+    void forEachServiceByTitle(const std::function<void(ServiceRecord&)>& visit) const;
+
+    // Containment search over the folded texts (see SearchText); `foldedQuery` is not empty.
+    // Non-archived services whose own fields, kind, tags or organization's name or project name
+    // contain the query, in title order.
+    std::vector<ServiceRecord*> servicesMatching(std::string_view foldedQuery) const;
+    // Non-archived organizations whose name, project, contact, tags or notes contain it, by name.
+    std::vector<Organization*> organizationsMatching(std::string_view foldedQuery) const;
+
+    // Non-archived services with an expiration date, ascending by date (ties in insertion order):
+    // those with date < `end`, and those with `after` < date <= `upTo`.
+    std::vector<ServiceRecord*> servicesExpiringBefore(Instant end) const;
+    std::vector<ServiceRecord*> servicesExpiringWithin(Instant after, Instant upTo) const;
+
+    // Non-archived services whose status reads as active, whatever their organization.
+    std::size_t activeServiceCount() const { return m_activeServiceCount; }
+    // `Organization::monthlyCost` and `yearlyCost`, kept until the organization or one of its
+    // services changes.
+    const Decimal& monthlyCost(const Organization& organization) const;
+    const Decimal& yearlyCost(const Organization& organization) const;
+
+private:
+    struct OrganizationEntry;
+    struct ServiceEntry;
+    struct ByKey {
+        template <typename Entry> bool operator()(const Entry* a, const Entry* b) const {
+            return a->sortKey != b->sortKey ? a->sortKey < b->sortKey : a->sequence < b->sequence;
+        }
+    };
+    using ExpirationKey = std::pair<Instant, std::uint64_t>;
+
+    void index(OrganizationEntry& entry);
+    void unindex(OrganizationEntry& entry);
+    void index(ServiceEntry& entry);
+    void unindex(ServiceEntry& entry);
+    void forgetService(ServiceRecord& service);
+    void invalidateCosts(const Organization* organization) const;
+    OrganizationEntry& entryOf(const Organization& organization) const;
+    ServiceEntry& entryOf(const ServiceRecord& service) const;
+
+    const LocalizedOrder& m_order;
+    std::uint64_t m_nextSequence = 0;
+    std::unordered_map<const Organization*, std::unique_ptr<OrganizationEntry>> m_organizations;
+    std::unordered_map<const ServiceRecord*, std::unique_ptr<ServiceEntry>> m_services;
+    // Share records with their insertion sequence.
+    std::unordered_map<const ShareRecord*, std::pair<std::unique_ptr<ShareRecord>, std::uint64_t>>
+        m_shares;
+    std::unordered_map<Uuid, Organization*> m_organizationsById;
+    std::unordered_map<Uuid, ServiceRecord*> m_servicesById;
+
+    std::set<OrganizationEntry*, ByKey> m_organizationsByName;
+    std::set<ServiceEntry*, ByKey> m_servicesByTitle;
+    std::map<ExpirationKey, ServiceRecord*> m_servicesByExpiration;
+    std::size_t m_activeServiceCount = 0;
+
+    std::unordered_set<const Organization*> m_pendingOrganizations;
+    std::unordered_set<const ServiceRecord*> m_pendingServices;
+    std::unordered_set<const ShareRecord*> m_pendingShares;
+    std::vector<Uuid> m_removedOrganizations;
+    std::vector<Uuid> m_removedServices;
+    std::vector<Uuid> m_removedShares;
+};
+
+} // namespace vorlane

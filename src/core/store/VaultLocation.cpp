@@ -1,0 +1,34 @@
+#include "store/VaultLocation.h"
+
+#include <cstdlib>
+
+namespace vorlane {
+
+namespace {
+
+std::optional<std::string> environment(const char* name) {
+    const char* value = std::getenv(name);
+    if (!value || *value == '\0') {
+        return std::nullopt;
+    }
+    return std::string(value);
+}
+
+} // namespace
+
+std::string VaultLocation::resolve(const std::optional<std::string>& explicitPath) {
+    static constexpr const char* fileName = "/vault.sqlite";
+    if (explicitPath && !explicitPath->empty()) {
+        return *explicitPath;
+    }
+    if (const auto folder = environment("VORLANE_DATA_DIR")) {
+        return *folder + fileName;
+    }
+    // The XDG base directory rules: a relative XDG_DATA_HOME is invalid and is ignored.
+    if (const auto data = environment("XDG_DATA_HOME"); data && data->front() == '/') {
+        return *data + "/vorlane" + fileName;
+    }
+    return environment("HOME").value_or(".") + "/.local/share/vorlane" + fileName;
+}
+
+} // namespace vorlane

@@ -1,0 +1,307 @@
+// What reaches the vault file, and when: every field round trip, only changed rows written,
+// failed saves kept for later, autosave, cascades, logos apart, the file's own settings.
+
+#include "VaultFixture.h"
+
+#include <sys/stat.h>
+
+#include <chrono>
+
+namespace vorlane::testing {
+namespace {
+
+using namespace std::chrono_literals;
+
+class DataStorePersistenceTest : public VaultFixture {};
+
+std::int64_t count(SqliteConnection& db, const std::string& sql) {
+    return db.queryInteger(sql).value_or(-1);
+}
+
+TEST_F(DataStorePersistenceTest, EveryFieldSurvivesReopening) {
+    DataStore& store = open();
+    Organization organization = Organization::created(utc(2024, 1, 2, 3, 4));
+    organization.name = "Acme Ltd";
+    organization.projectName = "Relaunch";
+    organization.contactName = "Anna";
+    organization.contactEmail = "anna@acme.example";
+    organization.contactPhone = "+49 30 123";
+    organization.website = "https://acme.example";
+    organization.notes = "Line one\nLine two \"quoted\"";
+    organization.tags = {"vip", "eu, west", "ünïcode"};
+    organization.isActive = false;
+    organization.isFavorite = true;
+    organization.updatedAt = utc(2024, 5, 6, 7, 8) + 999ms;
+    const Uuid organizationId = store.insert(organization).id;
+
+    ServiceRecord service = ServiceRecord::created(utc(2024, 2, 3));
+    service.setServiceType(ServiceType::sshAccess);
+    service.title = "Bastion";
+    service.provider = "Hetzner";
+    service.hostname = "bastion.acme.example";
+    service.domain = "acme.example";
+    service.ipAddress = "2001:db8::1";
+    service.loginURL = "https://console.example/login?x=1&y=2";
+    service.username = "root";
+    service.emailAddress = "ops@acme.example";
+    service.port = 2222;
+    service.sshKeyReference = "~/.ssh/id_ed25519";
+    service.purchaseDate = utc(2023, 1, 1);
+    service.renewalDate = utc(2026, 1, 1);
+    service.expirationDate = utc(2026, 1, 31, 23, 59);
+    service.setBillingCycle(BillingCycle::triennial);
+    service.monthlyCost = *Decimal::fromString("0.1");
+    service.yearlyCost = *Decimal::fromString("1234567890.123456789");
+    service.autoRenew = true;
+    service.tags = {"prod"};
+    service.notes = "Jump host";
+    service.riskLevelRaw = "notARiskLevel";
+    service.setStatus(ServiceStatus::warning);
+    service.secretKeychainID = ServiceRecord::makeSecretKeychainID();
+    service.apiKeyKeychainID = ServiceRecord::makeAPIKeyKeychainID();
+    Organization* owner = store.organization(organizationId);
+    const ServiceRecord& inserted = store.insert(service, *owner);
+    ServiceRecord undated = ServiceRecord::created(utc(2024, 2, 3));
+    undated.title = "Undated";
+    const Uuid undatedId = store.insert(undated, *owner).id;
+
+    ShareRecord share;
+    share.id = Uuid::generate();
+    share.serviceIDs = {inserted.id, undatedId};
+    share.recipientLabel = "New agency";
+    share.notes = "Handover";
+    share.includesSecrets = true;
+    share.redactedFields = {"notes", "costs"};
+    share.expirationDate = utc(2025, 12, 24);
+    share.isRevoked = true;
+    share.sharedAt = utc(2025, 3, 1, 9, 30);
+    share.shareMethodRaw = ShareMethod(ShareMethod::fullEncryptedBundle).rawValue();
+    store.insert(share, *owner);
+
+    DataStore& reopened = reopen();
+    Organization* loaded = reopened.organization(organizationId);
+    ASSERT_NE(loaded, nullptr);
+    EXPECT_EQ(loaded->name, organization.name);
+    EXPECT_EQ(loaded->projectName, organization.projectName);
+    EXPECT_EQ(loaded->contactName, organization.contactName);
+    EXPECT_EQ(loaded->contactEmail, organization.contactEmail);
+    EXPECT_EQ(loaded->contactPhone, organization.contactPhone);
+    EXPECT_EQ(loaded->website, organization.website);
+    EXPECT_EQ(loaded->notes, organization.notes);
+    EXPECT_EQ(loaded->tags, organization.tags);
+    EXPECT_EQ(loaded->isActive, false);
+    EXPECT_EQ(loaded->isArchived, false);
+    EXPECT_EQ(loaded->isFavorite, true);
+    EXPECT_EQ(loaded->createdAt, organization.createdAt);
+    EXPECT_EQ(loaded->updatedAt, organization.updatedAt);
+    ASSERT_EQ(loaded->services.size(), 2u);
+    EXPECT_EQ(loaded->services[1]->id, undatedId); // relationship order kept
+
+    const ServiceRecord& s = *loaded->services[0];
+    EXPECT_EQ(s.organization, loaded);
+    EXPECT_EQ(s.id, service.id);
+    EXPECT_EQ(s.serviceTypeRaw, "sshAccess");
+    EXPECT_EQ(s.title, service.title);
+    EXPECT_EQ(s.provider, service.provider);
+    EXPECT_EQ(s.hostname, service.hostname);
+    EXPECT_EQ(s.domain, service.domain);
+    EXPECT_EQ(s.ipAddress, service.ipAddress);
+    EXPECT_EQ(s.loginURL, service.loginURL);
+    EXPECT_EQ(s.username, service.username);
+    EXPECT_EQ(s.emailAddress, service.emailAddress);
+    EXPECT_EQ(s.port, 2222);
+    EXPECT_EQ(s.sshKeyReference, service.sshKeyReference);
+    EXPECT_EQ(s.purchaseDate, service.purchaseDate);
+    EXPECT_EQ(s.renewalDate, service.renewalDate);
+    EXPECT_EQ(s.expirationDate, service.expirationDate);
+    EXPECT_EQ(s.billingCycleRaw, "triennial");
+    EXPECT_EQ(s.monthlyCost.toString(), "0.1");
+    EXPECT_EQ(s.yearlyCost.toString(), "1234567890.123456789");
+    EXPECT_TRUE(s.autoRenew);
+    EXPECT_EQ(s.tags, service.tags);
+    EXPECT_EQ(s.notes, service.notes);
+    EXPECT_EQ(s.riskLevelRaw, "notARiskLevel"); // unknown raw values are kept as they are
+    EXPECT_EQ(s.statusRaw, "warning");
+    EXPECT_EQ(s.createdAt, service.createdAt);
+    EXPECT_EQ(s.updatedAt, service.updatedAt);
+    EXPECT_EQ(s.secretKeychainID, service.secretKeychainID);
+    EXPECT_EQ(s.apiKeyKeychainID, service.apiKeyKeychainID);
+    const ServiceRecord& u = *loaded->services[1];
+    EXPECT_FALSE(u.port);
+    EXPECT_FALSE(u.purchaseDate);
+    EXPECT_FALSE(u.expirationDate);
+
+    ASSERT_EQ(loaded->shareHistory.size(), 1u);
+    const ShareRecord& h = *loaded->shareHistory[0];
+    EXPECT_EQ(h.organization, loaded);
+    EXPECT_EQ(h.id, share.id);
+    EXPECT_EQ(h.serviceIDs, share.serviceIDs);
+    EXPECT_EQ(h.recipientLabel, share.recipientLabel);
+    EXPECT_EQ(h.notes, share.notes);
+    EXPECT_TRUE(h.includesSecrets);
+    EXPECT_EQ(h.redactedFields, share.redactedFields);
+    EXPECT_EQ(h.expirationDate, share.expirationDate);
+    EXPECT_TRUE(h.isRevoked);
+    EXPECT_EQ(h.sharedAt, share.sharedAt);
+    EXPECT_EQ(h.shareMethodRaw, share.shareMethodRaw);
+}
+
+TEST_F(DataStorePersistenceTest, SaveWritesOnlyWhatChanged) {
+    DataStore& store = open();
+    Organization& owner = addOrganization("Owner");
+    ServiceRecord& edited = addService(owner, "Edited");
+    addService(owner, "Untouched");
+    ASSERT_TRUE(store.save());
+    EXPECT_FALSE(store.hasUnsavedChanges());
+
+    // Another writer changes the untouched row; a save of the edited row must not undo that.
+    SqliteConnection db = raw();
+    ASSERT_TRUE(db.execute("UPDATE services SET notes = 'from elsewhere' WHERE title = "
+                           "'Untouched'"));
+    edited.notes = "from the store";
+    store.noteChanged(edited);
+    EXPECT_TRUE(store.hasUnsavedChanges());
+    ASSERT_TRUE(store.save());
+    EXPECT_EQ(db.queryText("SELECT notes FROM services WHERE title = 'Untouched'"),
+              "from elsewhere");
+    EXPECT_EQ(db.queryText("SELECT notes FROM services WHERE title = 'Edited'"), "from the store");
+}
+
+TEST_F(DataStorePersistenceTest, FailedSaveIsReportedAndRetriedLater) {
+    DataStore& store = open();
+    Organization& owner = addOrganization("Owner");
+    ServiceRecord& service = addService(owner, "Service");
+    ASSERT_TRUE(store.save());
+
+    SqliteConnection db = raw();
+    ASSERT_TRUE(db.execute("CREATE TRIGGER refuse BEFORE UPDATE ON services "
+                           "BEGIN SELECT RAISE(ABORT, 'the disk said no'); END"));
+    service.notes = "must not be lost";
+    store.noteChanged(service);
+    Organization& another = addOrganization("Added in the same save");
+    ::testing::internal::CaptureStdout();
+    EXPECT_FALSE(store.save());
+    const std::string printed = ::testing::internal::GetCapturedStdout();
+    EXPECT_EQ(printed, "DataStore save error: the disk said no\n");
+    EXPECT_TRUE(store.hasUnsavedChanges());
+    // The transaction was all or nothing: the organization added with it is not there either.
+    EXPECT_EQ(count(db, "SELECT COUNT(*) FROM organizations"), 1);
+
+    ASSERT_TRUE(db.execute("DROP TRIGGER refuse"));
+    ASSERT_TRUE(store.save());
+    const Uuid anotherId = another.id;
+    DataStore& reopened = open();
+    EXPECT_EQ(reopened.fetchAllServices().at(0)->notes, "must not be lost");
+    EXPECT_NE(reopened.organization(anotherId), nullptr);
+}
+
+TEST_F(DataStorePersistenceTest, AutosaveWaitsForChangesToSettle) {
+    DataStore& store = open();
+    SqliteConnection db = raw();
+    Organization& owner = addOrganization("Owner");
+    m_timers.advance(800ms);
+    owner.notes = "typed a bit more";
+    store.noteChanged(owner);
+    m_timers.advance(800ms);
+    EXPECT_EQ(count(db, "SELECT COUNT(*) FROM organizations"), 0);
+    m_timers.advance(200ms);
+    EXPECT_EQ(db.queryText("SELECT notes FROM organizations"), "typed a bit more");
+    EXPECT_FALSE(store.hasUnsavedChanges());
+    EXPECT_EQ(m_timers.pendingCount(), 0u);
+
+    // An explicit save cancels the pending autosave.
+    owner.notes = "saved by hand";
+    store.noteChanged(owner);
+    ASSERT_TRUE(store.save());
+    EXPECT_EQ(m_timers.pendingCount(), 0u);
+}
+
+TEST_F(DataStorePersistenceTest, ClosingSavesPendingChanges) {
+    open();
+    const Uuid id = addOrganization("Unsaved at close").id;
+    DataStore& reopened = open(); // closes the first store without an explicit save
+    EXPECT_NE(reopened.organization(id), nullptr);
+}
+
+TEST_F(DataStorePersistenceTest, DeletingAnOrganizationCascadesInTheFile) {
+    DataStore& store = open();
+    Organization& doomed = addOrganization("Doomed");
+    Organization& kept = addOrganization("Kept");
+    addService(doomed, "One");
+    ServiceRecord& moved = addService(kept, "Moved in later");
+    addService(kept, "Kept service");
+    ShareRecord share;
+    share.id = Uuid::generate();
+    share.sharedAt = m_clock.now();
+    store.insert(share, doomed);
+    store.setLogo(doomed, std::vector<std::uint8_t>{1, 2, 3});
+    ASSERT_TRUE(store.save());
+
+    // Moved but not yet saved: the file still has it under "Kept".
+    store.moveService(moved, doomed);
+    store.deleteOrganization(doomed);
+    EXPECT_FALSE(store.hasUnsavedChanges());
+    ASSERT_EQ(store.fetchOrganizations().size(), 1u);
+    EXPECT_EQ(store.fetchOrganizations()[0]->name, "Kept");
+
+    SqliteConnection db = raw();
+    EXPECT_EQ(count(db, "SELECT COUNT(*) FROM organizations"), 1);
+    EXPECT_EQ(db.queryText("SELECT group_concat(title) FROM services"), "Kept service");
+    EXPECT_EQ(count(db, "SELECT COUNT(*) FROM shares"), 0);
+    EXPECT_EQ(count(db, "SELECT COUNT(*) FROM organization_logos"), 0);
+}
+
+TEST_F(DataStorePersistenceTest, LogosLiveApartAndAreReadOnlyWhenAsked) {
+    DataStore& store = open();
+    Organization& withLogo = addOrganization("With logo");
+    Organization& without = addOrganization("Without");
+    const std::vector<std::uint8_t> png{0x89, 'P', 'N', 'G', 0, 255};
+    store.setLogo(withLogo, png);
+    const Uuid withId = withLogo.id;
+    const Uuid withoutId = without.id;
+
+    DataStore& reopened = reopen();
+    Organization& loaded = *reopened.organization(withId);
+    EXPECT_FALSE(loaded.logoData); // not read at open
+    EXPECT_EQ(reopened.logo(loaded), png);
+    EXPECT_FALSE(reopened.logo(*reopened.organization(withoutId)));
+
+    // Editing another field of an organization whose logo was never read keeps the logo.
+    Organization& notRead = *reopen().organization(withId);
+    notRead.notes = "edited";
+    m_store->noteChanged(notRead);
+    DataStore& again = reopen();
+    Organization& check = *again.organization(withId);
+    EXPECT_EQ(again.logo(check), png);
+    again.setLogo(check, std::nullopt);
+    DataStore& cleared = reopen();
+    EXPECT_FALSE(cleared.logo(*cleared.organization(withId)));
+    SqliteConnection db = raw();
+    EXPECT_EQ(count(db, "SELECT COUNT(*) FROM organization_logos"), 0);
+}
+
+TEST_F(DataStorePersistenceTest, FileSettingsPermissionsAndVersion) {
+    m_path = m_folder + "/nested/deeper/vault.sqlite";
+    open();
+    addOrganization("Owner");
+    ASSERT_TRUE(m_store->save());
+
+    struct stat info {};
+    ASSERT_EQ(::stat(m_path.c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0600u);
+    ASSERT_EQ(::stat((m_folder + "/nested/deeper").c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0700u);
+    ASSERT_EQ(::stat((m_folder + "/nested").c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0700u);
+
+    SqliteConnection db = raw();
+    EXPECT_EQ(db.queryText("SELECT value FROM vault_meta WHERE key = 'schemaVersion'"), "1.0.0");
+    EXPECT_EQ(db.queryText("PRAGMA journal_mode"), "wal");
+    EXPECT_EQ(db.queryText("PRAGMA integrity_check"), "ok");
+    // The file's own rule: removing an organization row removes its services.
+    ASSERT_TRUE(db.execute("PRAGMA foreign_keys = ON; DELETE FROM organizations"));
+    EXPECT_EQ(count(db, "SELECT COUNT(*) FROM services"), 0);
+}
+
+} // namespace
+} // namespace vorlane::testing

@@ -1,0 +1,300 @@
+// The store's lists, search and totals, and how they follow changes noted on records.
+
+#include "VaultFixture.h"
+
+#include <algorithm>
+#include <chrono>
+#include <string>
+#include <vector>
+
+namespace vorlane::testing {
+namespace {
+
+using namespace std::chrono_literals;
+
+template <typename Record> std::vector<std::string> titles(const std::vector<Record*>& records) {
+    std::vector<std::string> result;
+    for (const Record* record : records) {
+        if constexpr (std::is_same_v<Record, ServiceRecord>) {
+            result.push_back(record->title);
+        } else {
+            result.push_back(record->name);
+        }
+    }
+    return result;
+}
+
+using Names = std::vector<std::string>;
+
+class DataStoreQueryTest : public VaultFixture {
+protected:
+    DataStoreQueryTest() { open(); }
+    DataStore& store() { return *m_store; }
+};
+
+TEST_F(DataStoreQueryTest, ListsFollowLocalizedOrderCaseInsensitiveWithNumbersByValue) {
+    Organization& owner = addOrganization("zeta");
+    for (const char* title : {"Server 10", "server 2", "Émile mail", "Apache", "Server 1", "éa"}) {
+        addService(owner, title);
+    }
+    addOrganization("Beta 10");
+    addOrganization("beta 9");
+    addOrganization("Alpha");
+    EXPECT_EQ(titles(store().fetchAllServices()),
+              (Names{"Apache", "éa", "Émile mail", "Server 1", "server 2", "Server 10"}));
+    EXPECT_EQ(titles(store().fetchOrganizations()), (Names{"Alpha", "beta 9", "Beta 10", "zeta"}));
+
+    // A rename moves the record to its new place.
+    owner.name = "Aardvark";
+    store().noteChanged(owner);
+    EXPECT_EQ(store().fetchOrganizations().front(), &owner);
+}
+
+TEST_F(DataStoreQueryTest, ArchivedAndFavoriteFilters) {
+    Organization& plain = addOrganization("Plain");
+    Organization& favorite = addOrganization("Favorite");
+    favorite.isFavorite = true;
+    Organization& archivedFavorite = addOrganization("Archived favorite");
+    archivedFavorite.isFavorite = true;
+    archivedFavorite.isArchived = true;
+    store().noteChanged(favorite);
+    store().noteChanged(archivedFavorite);
+
+    EXPECT_EQ(titles(store().fetchOrganizations()), (Names{"Favorite", "Plain"}));
+    EXPECT_EQ(titles(store().fetchOrganizations(true)),
+              (Names{"Archived favorite", "Favorite", "Plain"}));
+    EXPECT_EQ(titles(store().fetchFavorites()), (Names{"Favorite"}));
+    EXPECT_EQ(titles(store().fetchArchivedOrganizations()), (Names{"Archived favorite"}));
+
+    ServiceRecord& kept = addService(plain, "Kept");
+    ServiceRecord& archived = addService(plain, "Archived");
+    archived.isArchived = true;
+    store().noteChanged(archived);
+    EXPECT_EQ(store().fetchAllServices(), (std::vector<ServiceRecord*>{&kept}));
+    EXPECT_EQ(store().fetchAllServices(true).size(), 2u);
+}
+
+TEST_F(DataStoreQueryTest, ExpiringSoonAndExpiredWindows) {
+    m_clock.set(utc(2025, 6, 1, 12)); // 30 days without a daylight-saving change
+    Organization& owner = addOrganization("Owner");
+    const Instant now = m_clock.now();
+    const auto dated = [&](const std::string& title, Instant when, bool archived = false) {
+        ServiceRecord& service = addService(owner, title);
+        service.expirationDate = when;
+        service.isArchived = archived;
+        store().noteChanged(service);
+        return &service;
+    };
+    ServiceRecord* hourAgo = dated("expired an hour ago", now - 1h);
+    ServiceRecord* monthAgo = dated("expired a month ago", now - 24h * 31);
+    ServiceRecord* almost30 = dated("30 days minus a minute", now + 24h * 30 - 1min);
+    ServiceRecord* exactly30 = dated("exactly 30 days", now + 24h * 30);
+    dated("30 days and a minute", now + 24h * 30 + 1min);
+    ServiceRecord* tomorrow = dated("tomorrow", now + 24h);
+    dated("archived tomorrow", now + 24h, true);
+    dated("archived expired", now - 1h, true);
+    addService(owner, "undated");
+
+    EXPECT_EQ(store().fetchExpiringSoon(30),
+              (std::vector<ServiceRecord*>{tomorrow, almost30, exactly30}));
+    EXPECT_EQ(store().fetchExpiringSoon(3), (std::vector<ServiceRecord*>{tomorrow}));
+    EXPECT_EQ(store().fetchExpired(), (std::vector<ServiceRecord*>{monthAgo, hourAgo}));
+
+    // Time passes: tomorrow's service expires, and the windows move with the clock.
+    m_clock.advance(48h);
+    EXPECT_EQ(store().fetchExpired(), (std::vector<ServiceRecord*>{monthAgo, hourAgo, tomorrow}));
+
+    // Renewing (a new date) and archiving take a service out of the expired list.
+    hourAgo->expirationDate = m_clock.now() + 24h * 365;
+    store().noteChanged(*hourAgo);
+    monthAgo->isArchived = true;
+    store().noteChanged(*monthAgo);
+    EXPECT_EQ(store().fetchExpired(), (std::vector<ServiceRecord*>{tomorrow}));
+}
+
+TEST_F(DataStoreQueryTest, ExpiringSoonCountsCalendarDaysAcrossDaylightSaving) {
+    // Berlin moves its clocks forward on 30 March 2025: 30 calendar days from 20 March noon is
+    // 19 April noon local time, one hour less than 30 × 24 hours later.
+    Organization& owner = addOrganization("Owner");
+    ServiceRecord& service = addService(owner, "lands on the last local noon");
+    service.expirationDate = m_clock.now() + 24h * 30 - 1h;
+    store().noteChanged(service);
+    ServiceRecord& later = addService(owner, "a minute after");
+    later.expirationDate = m_clock.now() + 24h * 30 - 59min;
+    store().noteChanged(later);
+    EXPECT_EQ(store().fetchExpiringSoon(30), (std::vector<ServiceRecord*>{&service}));
+}
+
+TEST_F(DataStoreQueryTest, SharesNewestFirst) {
+    Organization& owner = addOrganization("Owner");
+    for (int day : {3, 9, 1}) {
+        ShareRecord share;
+        share.id = Uuid::generate();
+        share.recipientLabel = "day " + std::to_string(day);
+        share.sharedAt = utc(2025, 3, day);
+        store().insert(std::move(share), owner);
+    }
+    std::vector<std::string> labels;
+    for (const ShareRecord* share : store().fetchShares(owner)) {
+        labels.push_back(share->recipientLabel);
+    }
+    EXPECT_EQ(labels, (Names{"day 9", "day 3", "day 1"}));
+    EXPECT_EQ(owner.shareHistory.size(), 3u);
+}
+
+TEST_F(DataStoreQueryTest, SearchMatchesEveryFieldCaseInsensitively) {
+    Organization& acme = addOrganization("Acme Ltd");
+    acme.projectName = "Relaunch";
+    store().noteChanged(acme);
+    Organization& other = addOrganization("Other");
+    ServiceRecord& ofAcme = addService(acme, "Mail server");
+    ServiceRecord& tagged = addService(other, "Web");
+    tagged.tags = {"backup", "acme-prod"};
+    tagged.provider = "Hetzner";
+    tagged.hostname = "db1.internal";
+    tagged.ipAddress = "10.0.0.7";
+    tagged.username = "deploy";
+    tagged.emailAddress = "ops@straße.example";
+    tagged.notes = "Renew before Easter";
+    tagged.setServiceType(ServiceType::domainRegistrar);
+    store().noteChanged(tagged);
+    ServiceRecord& plain = addService(other, "Plain");
+
+    EXPECT_EQ(store().search("ACME"), (std::vector<ServiceRecord*>{&ofAcme, &tagged}));
+    EXPECT_EQ(store().search("relaunch"), (std::vector<ServiceRecord*>{&ofAcme}));
+    for (const char* query : {"hetz", "DB1.", "0.0.7", "DEPLOY", "STRASSE", "easter", "backup",
+                              "domain registrar", "domainRegistrar"}) {
+        EXPECT_EQ(store().search(query), (std::vector<ServiceRecord*>{&tagged})) << query;
+    }
+    EXPECT_TRUE(store().search("").empty());
+    EXPECT_TRUE(store().search("nowhere").empty());
+    // No match across the boundary of two fields (the title "Web", then the provider).
+    EXPECT_TRUE(store().search("webhetzner").empty());
+    (void)plain;
+
+    // Archived services are never found; the search text follows edits.
+    tagged.isArchived = true;
+    store().noteChanged(tagged);
+    EXPECT_EQ(store().search("acme"), (std::vector<ServiceRecord*>{&ofAcme}));
+    ofAcme.title = "Renamed";
+    ofAcme.provider = "Fastmail";
+    store().noteChanged(ofAcme);
+    EXPECT_EQ(store().search("fastmail"), (std::vector<ServiceRecord*>{&ofAcme}));
+    acme.name = "Zenith";
+    store().noteChanged(acme);
+    EXPECT_TRUE(store().search("acme").empty());
+}
+
+TEST_F(DataStoreQueryTest, SearchIsAccentSensitiveButIgnoresHowAnAccentIsEncoded) {
+    Organization& owner = addOrganization("Owner");
+    ServiceRecord& composed = addService(owner, "Caf\xc3\xa9 Noir"); // é as one code point
+    ServiceRecord& plain = addService(owner, "Cafe Blanc");
+    EXPECT_EQ(store().search("CAFE\xcc\x81"), (std::vector<ServiceRecord*>{&composed})); // e + ◌́
+    EXPECT_EQ(store().search("caf\xc3\x89"), (std::vector<ServiceRecord*>{&composed}));  // É
+    EXPECT_EQ(store().search("cafe "), (std::vector<ServiceRecord*>{&plain}));
+}
+
+TEST_F(DataStoreQueryTest, SearchOrganizationsMatchesItsOwnFields) {
+    Organization& byContact = addOrganization("Northwind");
+    byContact.contactName = "Greta Berg";
+    byContact.tags = {"retainer"};
+    byContact.notes = "Pays late";
+    store().noteChanged(byContact);
+    Organization& byProject = addOrganization("Bluebird");
+    byProject.projectName = "Greta's shop";
+    store().noteChanged(byProject);
+    Organization& archived = addOrganization("Greta Archived");
+    archived.isArchived = true;
+    store().noteChanged(archived);
+
+    EXPECT_EQ(store().searchOrganizations("GRETA"),
+              (std::vector<Organization*>{&byProject, &byContact}));
+    EXPECT_EQ(store().searchOrganizations("retainer"), (std::vector<Organization*>{&byContact}));
+    EXPECT_EQ(store().searchOrganizations("late"), (std::vector<Organization*>{&byContact}));
+    EXPECT_TRUE(store().searchOrganizations("").empty());
+    // The website and e-mail are not searched.
+    byContact.website = "https://unique.example";
+    store().noteChanged(byContact);
+    EXPECT_TRUE(store().searchOrganizations("unique").empty());
+}
+
+TEST_F(DataStoreQueryTest, TotalsSkipArchivedOrganizationsAndServicesAndFollowChanges) {
+    Organization& live = addOrganization("Live");
+    Organization& archivedOrg = addOrganization("Archived org");
+    ServiceRecord& monthly = addService(live, "Monthly 15");
+    monthly.monthlyCost = Decimal(15);
+    store().noteChanged(monthly);
+    ServiceRecord& biennial = addService(live, "Biennial 240");
+    biennial.yearlyCost = Decimal(240);
+    biennial.setBillingCycle(BillingCycle::biennial);
+    store().noteChanged(biennial);
+    ServiceRecord& archivedService = addService(live, "Archived");
+    archivedService.monthlyCost = Decimal(1000);
+    archivedService.isArchived = true;
+    store().noteChanged(archivedService);
+    ServiceRecord& inArchivedOrg = addService(archivedOrg, "In archived org");
+    inArchivedOrg.monthlyCost = Decimal(7);
+    store().noteChanged(inArchivedOrg);
+    archivedOrg.isArchived = true;
+    store().noteChanged(archivedOrg);
+    ServiceRecord& warning = addService(live, "Unknown status");
+    warning.statusRaw = "somethingNew";
+    store().noteChanged(warning);
+    ServiceRecord& expired = addService(live, "Expired status");
+    expired.setStatus(ServiceStatus::expired);
+    store().noteChanged(expired);
+
+    // 15 + 240/24; 15×12 + 240.
+    EXPECT_EQ(store().totalMonthlyCost(), Decimal(25));
+    EXPECT_EQ(store().totalYearlyCost(), Decimal(420));
+    // Active: monthly, biennial, the unknown status and the service of the archived organization.
+    EXPECT_EQ(store().totalActiveServices(), 4u);
+
+    monthly.monthlyCost = *Decimal::fromString("15.5");
+    store().noteChanged(monthly);
+    EXPECT_EQ(store().totalMonthlyCost(), *Decimal::fromString("25.5"));
+    archivedOrg.isArchived = false;
+    store().noteChanged(archivedOrg);
+    EXPECT_EQ(store().totalMonthlyCost(), *Decimal::fromString("32.5"));
+    EXPECT_EQ(store().totalYearlyCost(), Decimal(510));
+    expired.setStatus(ServiceStatus::active);
+    store().noteChanged(expired);
+    EXPECT_EQ(store().totalActiveServices(), 5u);
+
+    store().deleteService(monthly);
+    EXPECT_EQ(store().totalMonthlyCost(), Decimal(17));
+    EXPECT_EQ(store().totalActiveServices(), 4u);
+}
+
+TEST_F(DataStoreQueryTest, MovingAServiceKeepsBothOrganizationsInStep) {
+    Organization& from = addOrganization("From");
+    Organization& to = addOrganization("To");
+    ServiceRecord& service = addService(from, "Moving");
+    service.monthlyCost = Decimal(10);
+    store().noteChanged(service);
+    ServiceRecord& stays = addService(from, "Stays");
+    EXPECT_EQ(store().totalMonthlyCost(), Decimal(10));
+
+    store().moveService(service, to);
+    EXPECT_EQ(service.organization, &to);
+    EXPECT_EQ(from.services, (std::vector<ServiceRecord*>{&stays}));
+    EXPECT_EQ(to.services, (std::vector<ServiceRecord*>{&service}));
+    EXPECT_EQ(from.monthlyCost(), Decimal(0));
+    to.isArchived = true;
+    store().noteChanged(to);
+    EXPECT_EQ(store().totalMonthlyCost(), Decimal(0));
+}
+
+TEST_F(DataStoreQueryTest, ObserversHearOfEveryChange) {
+    int notified = 0;
+    store().changed.connect([&] { ++notified; });
+    Organization& owner = addOrganization("Owner");
+    ServiceRecord& service = addService(owner, "Service");
+    service.title = "Renamed";
+    store().noteChanged(service);
+    store().deleteService(service);
+    EXPECT_EQ(notified, 4);
+}
+
+} // namespace
+} // namespace vorlane::testing

@@ -1,0 +1,147 @@
+// Files the store must refuse: each gives a reason, and the file stays byte for byte as it was.
+
+#include "VaultFixture.h"
+
+#include <sqlite3.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+
+namespace vorlane::testing {
+namespace {
+
+class VaultOpenFailureTest : public VaultFixture {
+protected:
+    // Opens `m_path`, expecting a refusal that mentions `reason`, and checks that neither the
+    // file nor its folder's list of files changed.
+    void expectRefused(const std::string& reason) {
+        const std::string before = fileBytes(m_path);
+        const auto filesBefore = folderListing();
+        std::string error;
+        auto store = DataStore::open(m_path, m_keychain, m_calendar, m_timers, error);
+        EXPECT_EQ(store, nullptr);
+        EXPECT_NE(error.find(reason), std::string::npos) << error;
+        EXPECT_NE(error.find(m_path), std::string::npos) << error;
+        store.reset();
+        EXPECT_EQ(fileBytes(m_path), before);
+        EXPECT_EQ(folderListing(), filesBefore);
+    }
+
+    std::vector<std::string> folderListing() const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(m_folder)) {
+            names.push_back(entry.path().filename());
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+    void write(const std::string& bytes) {
+        std::ofstream out(m_path, std::ios::binary | std::ios::trunc);
+        out << bytes;
+    }
+
+    // A real vault with a few records, closed cleanly.
+    void makeVault() {
+        for (const char* suffix : {"", "-wal", "-shm"}) {
+            std::filesystem::remove(m_path + suffix);
+        }
+        open();
+        Organization& owner = addOrganization("Owner");
+        for (int i = 0; i < 200; ++i) {
+            addService(owner, "Service " + std::to_string(i)).notes = std::string(300, 'x');
+        }
+        ASSERT_TRUE(m_store->save());
+        m_store.reset();
+    }
+};
+
+TEST_F(VaultOpenFailureTest, RefusesFilesThatAreNotVaults) {
+    write("name,password\nacme,hunter2\n");
+    expectRefused("is not a Vorlane vault");
+    write("");
+    expectRefused("is not a Vorlane vault");
+
+    std::filesystem::remove(m_path);
+    {
+        std::string error;
+        auto other = SqliteConnection::open(m_path, SqliteConnection::Mode::readWriteCreate, error);
+        ASSERT_TRUE(other);
+        ASSERT_TRUE(other->execute("CREATE TABLE notes (body TEXT); INSERT INTO notes VALUES "
+                                   "('someone else''s database')"));
+    }
+    expectRefused("is not a Vorlane vault");
+}
+
+TEST_F(VaultOpenFailureTest, RefusesANewerSchema) {
+    makeVault();
+    {
+        SqliteConnection db = raw();
+        ASSERT_TRUE(db.execute("UPDATE vault_meta SET value = '1.1.0'"));
+        ASSERT_TRUE(db.execute("PRAGMA wal_checkpoint(TRUNCATE)"));
+    }
+    expectRefused("newer version of Vorlane (schema 1.1.0)");
+}
+
+TEST_F(VaultOpenFailureTest, RefusesADamagedVault) {
+    makeVault();
+    std::string bytes = fileBytes(m_path);
+    ASSERT_GT(bytes.size(), 16384u);
+    // Scribble over the middle of the file, well past the header page.
+    for (std::size_t i = 8192; i < 12288; ++i) {
+        bytes[i] = static_cast<char>(i * 7);
+    }
+    write(bytes);
+    expectRefused("is damaged");
+
+    // Cut short.
+    makeVault();
+    write(fileBytes(m_path).substr(0, 6000));
+    expectRefused("is damaged");
+}
+
+TEST_F(VaultOpenFailureTest, RefusesWhatCannotBeRead) {
+    std::filesystem::create_directory(m_path);
+    std::string error;
+    EXPECT_EQ(DataStore::open(m_path, m_keychain, m_calendar, m_timers, error), nullptr);
+    EXPECT_NE(error.find("is not a file"), std::string::npos) << error;
+
+    // A path through a file: nothing can be read or created there.
+    std::ofstream(m_folder + "/plain") << "x";
+    m_path = m_folder + "/plain/vault.sqlite";
+    EXPECT_EQ(DataStore::open(m_path, m_keychain, m_calendar, m_timers, error), nullptr);
+    EXPECT_NE(error.find("cannot read " + m_path + ": Not a directory"), std::string::npos)
+        << error;
+}
+
+TEST_F(VaultOpenFailureTest, RefusesAFileWithoutReadPermission) {
+    if (::geteuid() == 0) {
+        GTEST_SKIP() << "running as root, who reads any file whatever its mode";
+    }
+    makeVault();
+    ::chmod(m_path.c_str(), 0);
+    expectRefused("cannot read");
+    ::chmod(m_path.c_str(), 0600);
+}
+
+TEST_F(VaultOpenFailureTest, ARefusedVaultIsStillThereAfterwards) {
+    makeVault();
+    {
+        SqliteConnection db = raw();
+        // Leave the change in the -wal file: refusing must not fold it into the main file.
+        sqlite3_db_config(db.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+        ASSERT_TRUE(db.execute("UPDATE vault_meta SET value = '2.0.0'"));
+    }
+    ASSERT_TRUE(std::filesystem::exists(m_path + "-wal"));
+    expectRefused("newer version");
+    {
+        SqliteConnection db = raw();
+        ASSERT_TRUE(db.execute("UPDATE vault_meta SET value = '1.0.0'"));
+    }
+    DataStore& store = open();
+    EXPECT_EQ(store.fetchAllServices().size(), 200u);
+}
+
+} // namespace
+} // namespace vorlane::testing
