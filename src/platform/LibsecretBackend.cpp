@@ -2,6 +2,10 @@
 
 #include "secrets/KeychainManager.h"
 
+// The path-level search is only declared for callers that accept libsecret's "unstable" API;
+// it has not changed since libsecret 0.18.
+#define SECRET_WITH_UNSTABLE 1
+#define SECRET_API_SUBJECT_TO_CHANGE 1
 #include <libsecret/secret.h>
 
 #include <memory>
@@ -121,12 +125,24 @@ SecretBackend::Status LibsecretBackend::remove(std::string_view service, std::st
     // Items in a locked collection are passed over without an error, which would let a delete
     // that left the secret behind pass for success. Their attributes stay searchable while
     // locked, so anything still matching means the delete failed.
+    // Only the object paths are asked for: building item proxies (as secret_password_search
+    // does) costs a round trip per item and leaks a little inside GIO on every call.
     ErrorSlot searchError;
-    GList* remaining = secret_password_searchv_sync(&vaultSchema, attributes.get(),
-                                                    SECRET_SEARCH_ALL, nullptr, searchError.out());
-    const bool anyLeft = remaining != nullptr;
-    g_list_free_full(remaining, g_object_unref);
-    if (searchError.isSet() || anyLeft) {
+    const std::unique_ptr<SecretService, ObjectDeleter> secretService(
+        secret_service_get_sync(SECRET_SERVICE_NONE, nullptr, searchError.out()));
+    if (!secretService) {
+        return Status::failure;
+    }
+    gchar** unlockedLeft = nullptr;
+    gchar** lockedLeft = nullptr;
+    const gboolean searched = secret_service_search_for_dbus_paths_sync(
+        secretService.get(), &vaultSchema, attributes.get(), nullptr, &unlockedLeft, &lockedLeft,
+        searchError.out());
+    const bool anyLeft = (unlockedLeft != nullptr && *unlockedLeft != nullptr) ||
+                         (lockedLeft != nullptr && *lockedLeft != nullptr);
+    g_strfreev(unlockedLeft);
+    g_strfreev(lockedLeft);
+    if (!searched || searchError.isSet() || anyLeft) {
         return Status::failure;
     }
     return removed ? Status::success : Status::notFound;

@@ -8,6 +8,9 @@
 #include "LibsecretBackend.h"
 
 #include <gtest/gtest.h>
+// Path-level search and item loading are declared only for callers of the "unstable" API.
+#define SECRET_WITH_UNSTABLE 1
+#define SECRET_API_SUBJECT_TO_CHANGE 1
 #include <libsecret/secret.h>
 
 #include <algorithm>
@@ -66,24 +69,68 @@ GHashTable* attributeTable(const std::string& service, const std::string& accoun
     return table;
 }
 
-std::vector<StoredItem> storedItems(const std::string& service, const std::string& account) {
-    GHashTable* attributes = attributeTable(service, account);
+struct ObjectDeleter {
+    void operator()(gpointer object) const { g_object_unref(object); }
+};
+
+std::unique_ptr<SecretService, ObjectDeleter> secretService() {
     GError* error = nullptr;
-    GList* found = secret_password_searchv_sync(
-        &storedSchema, attributes,
-        static_cast<SecretSearchFlags>(SECRET_SEARCH_ALL | SECRET_SEARCH_UNLOCK), nullptr, &error);
+    std::unique_ptr<SecretService, ObjectDeleter> result(
+        secret_service_get_sync(SECRET_SERVICE_NONE, nullptr, &error));
+    EXPECT_NE(result, nullptr) << (error ? error->message : "");
+    g_clear_error(&error);
+    return result;
+}
+
+// Object paths of the matching items, locked ones included; nothing is unlocked or read.
+// Paths rather than item objects: libsecret's item search leaks inside GIO on every call.
+std::vector<std::string> itemPaths(const std::string& service, const std::string& account) {
+    const auto secrets = secretService();
+    if (!secrets) {
+        return {};
+    }
+    GHashTable* attributes = attributeTable(service, account);
+    gchar** unlocked = nullptr;
+    gchar** locked = nullptr;
+    GError* error = nullptr;
+    secret_service_search_for_dbus_paths_sync(secrets.get(), &storedSchema, attributes, nullptr,
+                                              &unlocked, &locked, &error);
     g_hash_table_unref(attributes);
     EXPECT_EQ(error, nullptr) << (error ? error->message : "");
     g_clear_error(&error);
+    std::vector<std::string> paths;
+    for (gchar** list : {unlocked, locked}) {
+        for (gchar** path = list; path != nullptr && *path != nullptr; ++path) {
+            paths.emplace_back(*path);
+        }
+        g_strfreev(list);
+    }
+    return paths;
+}
 
+std::size_t itemCount(const std::string& service, const std::string& account) {
+    return itemPaths(service, account).size();
+}
+
+// The matching items with label, attributes and value; they must be unlocked.
+std::vector<StoredItem> storedItems(const std::string& service, const std::string& account) {
+    const auto secrets = secretService();
     std::vector<StoredItem> items;
-    for (GList* node = found; node != nullptr; node = node->next) {
-        auto* retrievable = static_cast<SecretRetrievable*>(node->data);
+    for (const std::string& path : itemPaths(service, account)) {
+        GError* error = nullptr;
+        const std::unique_ptr<SecretItem, ObjectDeleter> found(secret_item_new_for_dbus_path_sync(
+            secrets.get(), path.c_str(), SECRET_ITEM_LOAD_SECRET, nullptr, &error));
+        EXPECT_NE(found, nullptr) << (error ? error->message : "");
+        g_clear_error(&error);
+        if (!found) {
+            continue;
+        }
         StoredItem item;
-        gchar* label = secret_retrievable_get_label(retrievable);
+        item.objectPath = path;
+        gchar* label = secret_item_get_label(found.get());
         item.label = label;
         g_free(label);
-        GHashTable* itemAttributes = secret_retrievable_get_attributes(retrievable);
+        GHashTable* itemAttributes = secret_item_get_attributes(found.get());
         GHashTableIter iter;
         gpointer key = nullptr;
         gpointer value = nullptr;
@@ -92,10 +139,8 @@ std::vector<StoredItem> storedItems(const std::string& service, const std::strin
             item.attributes[static_cast<const char*>(key)] = static_cast<const char*>(value);
         }
         g_hash_table_unref(itemAttributes);
-        item.objectPath = g_dbus_proxy_get_object_path(G_DBUS_PROXY(retrievable));
-        SecretValue* secret = secret_retrievable_retrieve_secret_sync(retrievable, nullptr, &error);
-        EXPECT_EQ(error, nullptr) << (error ? error->message : "");
-        g_clear_error(&error);
+        SecretValue* secret = secret_item_get_secret(found.get());
+        EXPECT_NE(secret, nullptr) << path << " holds no readable secret";
         if (secret != nullptr) {
             gsize length = 0;
             const auto* data =
@@ -105,26 +150,18 @@ std::vector<StoredItem> storedItems(const std::string& service, const std::strin
         }
         items.push_back(std::move(item));
     }
-    g_list_free_full(found, g_object_unref);
     return items;
 }
 
-struct ObjectDeleter {
-    void operator()(gpointer object) const { g_object_unref(object); }
-};
-
 std::unique_ptr<SecretCollection, ObjectDeleter> defaultCollection() {
-    GError* error = nullptr;
     // libsecret 0.20 cannot look an alias up without an explicit service object.
-    const std::unique_ptr<SecretService, ObjectDeleter> secretService(
-        secret_service_get_sync(SECRET_SERVICE_NONE, nullptr, &error));
-    EXPECT_NE(secretService, nullptr) << (error ? error->message : "");
-    g_clear_error(&error);
-    if (!secretService) {
+    const auto secrets = secretService();
+    if (!secrets) {
         return nullptr;
     }
+    GError* error = nullptr;
     std::unique_ptr<SecretCollection, ObjectDeleter> collection(secret_collection_for_alias_sync(
-        secretService.get(), SECRET_COLLECTION_DEFAULT, SECRET_COLLECTION_NONE, nullptr, &error));
+        secrets.get(), SECRET_COLLECTION_DEFAULT, SECRET_COLLECTION_NONE, nullptr, &error));
     EXPECT_NE(collection, nullptr) << (error ? error->message : "no default collection");
     g_clear_error(&error);
     return collection;
@@ -147,20 +184,6 @@ void plantItem(const std::string& service, const std::string& account, std::stri
     ASSERT_NE(item, nullptr) << (error ? error->message : "");
     g_object_unref(item);
     g_clear_error(&error);
-}
-
-// Matching items, locked ones included, without unlocking or reading any secret.
-std::size_t itemCount(const std::string& service, const std::string& account) {
-    GHashTable* attributes = attributeTable(service, account);
-    GError* error = nullptr;
-    GList* found =
-        secret_password_searchv_sync(&storedSchema, attributes, SECRET_SEARCH_ALL, nullptr, &error);
-    g_hash_table_unref(attributes);
-    EXPECT_EQ(error, nullptr) << (error ? error->message : "");
-    g_clear_error(&error);
-    const std::size_t count = g_list_length(found);
-    g_list_free_full(found, g_object_unref);
-    return count;
 }
 
 // Locking needs no prompt, so the service does it straight away.
