@@ -1,7 +1,12 @@
 // vorlane-cli: the vault from a terminal, for scripts, demos and the recipient of an export.
 
 #include "CliCommand.h"
+#include "DemoCommand.h"
+#include "ExpiredCommand.h"
+#include "ExpiringCommand.h"
 #include "OpenBundleCommand.h"
+#include "SearchCommand.h"
+#include "TotalsCommand.h"
 #include "ProcessHardening.h"
 
 #include <iostream>
@@ -16,6 +21,11 @@ using vorlane::CliCommand;
 std::vector<std::unique_ptr<CliCommand>> makeCommands() {
     std::vector<std::unique_ptr<CliCommand>> commands;
     commands.push_back(std::make_unique<vorlane::OpenBundleCommand>());
+    commands.push_back(std::make_unique<vorlane::DemoCommand>());
+    commands.push_back(std::make_unique<vorlane::SearchCommand>());
+    commands.push_back(std::make_unique<vorlane::ExpiringCommand>());
+    commands.push_back(std::make_unique<vorlane::ExpiredCommand>());
+    commands.push_back(std::make_unique<vorlane::TotalsCommand>());
     return commands;
 }
 

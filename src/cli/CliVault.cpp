@@ -1,0 +1,40 @@
+#include "CliVault.h"
+
+#include "store/VaultLocation.h"
+
+#include <ostream>
+
+namespace vorlane {
+
+namespace {
+
+int applicationArgc = 1;
+char applicationName[] = "vorlane-cli";
+char* applicationArgv[] = {applicationName, nullptr};
+
+} // namespace
+
+CliVault::CliVault()
+    : m_application(QCoreApplication::instance()
+                        ? nullptr
+                        : std::make_unique<QCoreApplication>(applicationArgc, applicationArgv))
+    , m_calendar(m_clock)
+    , m_keychain(m_backend) {}
+
+std::unique_ptr<CliVault> CliVault::open(CliInvocation& invocation) {
+    return open(VaultLocation::resolve(invocation.vaultPath), invocation.err);
+}
+
+std::unique_ptr<CliVault> CliVault::open(const std::string& path, std::ostream& err) {
+    std::unique_ptr<CliVault> vault(new CliVault());
+    std::string error;
+    vault->m_store =
+        DataStore::open(path, vault->m_keychain, vault->m_calendar, vault->m_timers, error);
+    if (!vault->m_store) {
+        err << "vorlane-cli: Failed to initialize data store: " << error << "\n";
+        return nullptr;
+    }
+    return vault;
+}
+
+} // namespace vorlane

@@ -1,0 +1,73 @@
+#include "DemoCommand.h"
+
+#include "CliVault.h"
+#include "store/DemoVault.h"
+
+#include <sys/stat.h>
+
+#include <charconv>
+#include <ostream>
+
+namespace vorlane {
+
+std::string_view DemoCommand::name() const {
+    return "demo";
+}
+
+std::string_view DemoCommand::usage() const {
+    return "demo PATH [--services N]   create a demo vault at PATH (200 services unless told)";
+}
+
+int DemoCommand::run(CliInvocation& invocation) {
+    std::optional<std::string> path;
+    DemoVault::Options options;
+    const auto& arguments = invocation.arguments;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        if (arguments[i] == "--services") {
+            const std::string value = i + 1 < arguments.size() ? arguments[++i] : "";
+            const auto [end, error] =
+                std::from_chars(value.data(), value.data() + value.size(), options.services);
+            if (error != std::errc() || end != value.data() + value.size() ||
+                options.services < 1 || options.services > 10'000'000) {
+                invocation.err << "vorlane-cli demo: --services needs a number from 1 to "
+                                  "10000000, not \""
+                               << value << "\"\n";
+                return 2;
+            }
+        } else if (!path) {
+            path = arguments[i];
+        } else {
+            invocation.err << "vorlane-cli demo: unexpected argument \"" << arguments[i] << "\"\n";
+            return 2;
+        }
+    }
+    if (!path) {
+        invocation.err << "vorlane-cli demo: which file? usage: " << usage() << "\n";
+        return 2;
+    }
+    struct stat existing {};
+    if (::stat(path->c_str(), &existing) == 0) {
+        invocation.err << "vorlane-cli demo: " << *path
+                       << " already exists; a demo vault is only ever written to a new file\n";
+        return 1;
+    }
+    auto vault = CliVault::open(*path, invocation.err);
+    if (!vault) {
+        return 1;
+    }
+    options.withSecrets = vault->keychain().isAvailable();
+    DemoVault::populate(vault->store(), vault->calendar().now(), options);
+    if (vault->store().hasUnsavedChanges()) {
+        invocation.err << "vorlane-cli demo: the demo vault could not be saved\n";
+        return 1;
+    }
+    invocation.out << "Created " << *path << " with "
+                   << vault->store().fetchOrganizations(true).size() << " organizations and "
+                   << vault->store().fetchAllServices(true).size() << " services"
+                   << (options.withSecrets ? ", their passwords in the Secret Service"
+                                           : "; no Secret Service was reachable, so no passwords")
+                   << ".\n";
+    return 0;
+}
+
+} // namespace vorlane

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "CliCommand.h"
+
+namespace vorlane {
+
+// `search QUERY`: the organizations, then the services, that the application's search finds.
+class SearchCommand final : public CliCommand {
+public:
+    std::string_view name() const override;
+    std::string_view usage() const override;
+    int run(CliInvocation& invocation) override;
+};
+
+} // namespace vorlane

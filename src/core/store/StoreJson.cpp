@@ -1,0 +1,90 @@
+#include "store/StoreJson.h"
+
+#include "model/Organization.h"
+#include "model/ServiceRecord.h"
+#include "util/UserCalendar.h"
+
+#include <nlohmann/json.hpp>
+
+#include <chrono>
+#include <cstdio>
+
+namespace vorlane {
+
+namespace {
+
+// Compact, "/" left alone, and text that is not valid UTF-8 (a damaged field) shown with
+// replacement characters instead of failing the whole line.
+std::string line(const nlohmann::ordered_json& object) {
+    return object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+}
+
+nlohmann::ordered_json optionalDate(const std::optional<Instant>& instant) {
+    return instant ? nlohmann::ordered_json(StoreJson::isoDate(*instant))
+                   : nlohmann::ordered_json(nullptr);
+}
+
+} // namespace
+
+std::string StoreJson::isoDate(Instant instant) {
+    using namespace std::chrono;
+    const sys_days day = floor<days>(instant);
+    const year_month_day date(day);
+    const hh_mm_ss time(instant - day);
+    char text[64];
+    std::snprintf(
+        text, sizeof text, "%04d-%02u-%02uT%02ld:%02ld:%02ld.%03ldZ", static_cast<int>(date.year()),
+        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+        static_cast<long>(time.hours().count()), static_cast<long>(time.minutes().count()),
+        static_cast<long>(time.seconds().count()), static_cast<long>(time.subseconds().count()));
+    return text;
+}
+
+std::string StoreJson::service(const ServiceRecord& service, const UserCalendar& calendar) {
+    nlohmann::ordered_json object;
+    object["id"] = service.id.toString();
+    object["organization"] = service.organization ? service.organization->name : "";
+    object["title"] = service.title;
+    object["serviceType"] = service.serviceType().rawValue();
+    object["subtitle"] = service.displaySubtitle();
+    object["provider"] = service.provider;
+    object["hostname"] = service.hostname;
+    object["domain"] = service.domain;
+    object["username"] = service.username;
+    object["expirationDate"] = optionalDate(service.expirationDate);
+    const std::optional<int> days = service.daysUntilExpiration(calendar);
+    object["daysUntilExpiration"] = days ? nlohmann::ordered_json(*days) : nullptr;
+    object["expirationState"] = service.expirationState(calendar).rawValue();
+    object["status"] = service.status().rawValue();
+    object["billingCycle"] = service.billingCycle().rawValue();
+    object["effectiveMonthlyCost"] = service.effectiveMonthlyCost().toString();
+    object["isArchived"] = service.isArchived;
+    object["hasPassword"] = !service.secretKeychainID.empty();
+    object["hasAPIKey"] = !service.apiKeyKeychainID.empty();
+    return line(object);
+}
+
+std::string StoreJson::organization(const Organization& organization) {
+    nlohmann::ordered_json object;
+    object["id"] = organization.id.toString();
+    object["name"] = organization.name;
+    object["projectName"] = organization.projectName;
+    object["contactName"] = organization.contactName;
+    object["isFavorite"] = organization.isFavorite;
+    object["isArchived"] = organization.isArchived;
+    object["services"] = organization.services.size();
+    object["monthlyCost"] = organization.monthlyCost().toString();
+    object["yearlyCost"] = organization.yearlyCost().toString();
+    return line(object);
+}
+
+std::string StoreJson::totals(std::size_t activeServices, const Decimal& monthlyCost,
+                              const Decimal& yearlyCost) {
+    nlohmann::ordered_json object;
+    object["totalActiveServices"] = activeServices;
+    object["totalMonthlyCost"] = monthlyCost.toString();
+    object["totalYearlyCost"] = yearlyCost.toString();
+    return line(object);
+}
+
+} // namespace vorlane
