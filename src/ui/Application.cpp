@@ -1,16 +1,24 @@
 #include "Application.h"
 
 #include "DialogAuthenticationPrompt.h"
+#include "LibsecretBackend.h"
 #include "MainWindow.h"
 #include "PamAuthenticator.h"
 #include "ProcessHardening.h"
 #include "QtTimers.h"
 #include "SymbolIcon.h"
 #include "auth/AuthManager.h"
+#include "secrets/KeychainManager.h"
+#include "store/DataStore.h"
+#include "store/VaultLocation.h"
+#include "util/SystemClock.h"
+#include "util/UserCalendar.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QIcon>
+#include <QMessageBox>
+#include <QStatusBar>
 #include <QStringList>
 
 #include <cstdio>
@@ -33,6 +41,18 @@ void describeOptions(QCommandLineParser& parser) {
                        "vault; passwords stay in the desktop's secret store."));
     parser.addHelpOption();
     parser.addVersionOption();
+    parser.addOption(QCommandLineOption(
+        QStringLiteral("vault"),
+        QStringLiteral("Use the vault file at <path> instead of the default one."),
+        QStringLiteral("path")));
+}
+
+// Without a display there is nobody to click a message box away (and creating the GUI
+// application would abort): the message on stderr is all there is.
+bool hasDisplay() {
+    return (!qEnvironmentVariableIsEmpty("DISPLAY") ||
+            !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) &&
+           qgetenv("QT_QPA_PLATFORM") != "offscreen";
 }
 
 } // namespace
@@ -60,6 +80,31 @@ int Application::run(int argc, char* argv[]) {
         return 0;
     }
 
+    // The vault is opened before the GUI exists, so that a vault that cannot be used is reported
+    // (and the program ends) on a machine without a display too.
+    QtTimers mainLoop;
+    SystemClock clock;
+    UserCalendar calendar(clock);
+    LibsecretBackend secretBackend;
+    KeychainManager keychain(secretBackend);
+    const std::string vaultPath = VaultLocation::resolve(
+        parser.isSet(QStringLiteral("vault"))
+            ? std::optional(parser.value(QStringLiteral("vault")).toStdString())
+            : std::nullopt);
+    std::string storeError;
+    const std::unique_ptr<DataStore> store =
+        DataStore::open(vaultPath, keychain, calendar, mainLoop, storeError);
+    if (!store) {
+        const std::string message = "Failed to initialize data store: " + storeError;
+        std::fprintf(stderr, "%s\n", message.c_str());
+        if (hasDisplay()) {
+            QApplication app(argc, argv);
+            QMessageBox::critical(nullptr, QStringLiteral("Vorlane"),
+                                  QString::fromStdString(message));
+        }
+        return 1;
+    }
+
     QApplication app(argc, argv);
     QApplication::setApplicationDisplayName(QStringLiteral("Vorlane"));
     QApplication::setDesktopFileName(QStringLiteral("vorlane"));
@@ -68,11 +113,17 @@ int Application::run(int argc, char* argv[]) {
     SymbolIcon::installTheme();
     QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("security-high")));
 
-    QtTimers mainLoop;
     PamAuthenticator authenticator(mainLoop, DialogAuthenticationPrompt::factory());
     AuthManager::shared().connectPlatform(authenticator, mainLoop);
 
     MainWindow window;
+    if (!keychain.isAvailable()) {
+        // Records still work, but nothing secret can be kept: say so rather than fail silently
+        // at the first password.
+        window.statusBar()->showMessage(QStringLiteral(
+            "No Secret Service is running: passwords and API keys cannot be saved or shown. "
+            "Start GNOME Keyring, KWallet or KeePassXC and restart Vorlane."));
+    }
     window.show();
     return QApplication::exec();
 }

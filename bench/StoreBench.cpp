@@ -1,0 +1,157 @@
+// The vault store at the sizes of a busy agency: 10,000 and 100,000 services over 100 and 1,000
+// organizations, made by the same generator as `vorlane-cli demo`. Vaults are generated once
+// into the temp folder and reused by later runs.
+
+#include "LibsecretBackend.h"
+#include "ManualClock.h"
+#include "ManualTimers.h"
+#include "TestTime.h"
+#include "secrets/KeychainManager.h"
+#include "store/DataStore.h"
+#include "store/DemoVault.h"
+#include "util/UserCalendar.h"
+
+#include <benchmark/benchmark.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+using namespace vorlane;
+
+// The demo data is spread around this instant, and the clock stands on it, so that every run
+// sees the same expired and expiring services.
+const Instant benchNow = testing::utc(2025, 6, 1, 12);
+
+struct Environment {
+    testing::ManualClock clock{benchNow};
+    testing::ManualTimers timers{clock};
+    UserCalendar calendar{clock, "Europe/Berlin"};
+    LibsecretBackend backend; // never called: the bench vaults hold no secrets
+    KeychainManager keychain{backend};
+};
+
+Environment& environment() {
+    static Environment instance;
+    return instance;
+}
+
+std::unique_ptr<DataStore> openStore(const std::string& path) {
+    std::string error;
+    auto store = DataStore::open(path, environment().keychain, environment().calendar,
+                                 environment().timers, error);
+    if (!store) {
+        throw std::runtime_error("cannot open " + path + ": " + error);
+    }
+    return store;
+}
+
+std::string vaultPath(std::int64_t services) {
+    const std::string path = (std::filesystem::temp_directory_path() /
+                              ("vorlane-bench-" + std::to_string(services) + ".sqlite"))
+                                 .string();
+    if (!std::filesystem::exists(path)) {
+        auto store = openStore(path);
+        DemoVault::Options options;
+        options.services = static_cast<int>(services);
+        DemoVault::populate(*store, benchNow, options);
+    }
+    return path;
+}
+
+// One open store per size, shared by the query benchmarks.
+DataStore& sharedStore(std::int64_t services) {
+    static std::map<std::int64_t, std::unique_ptr<DataStore>> stores;
+    auto& store = stores[services];
+    if (!store) {
+        store = openStore(vaultPath(services));
+    }
+    return *store;
+}
+
+double residentMegabytes() {
+    std::ifstream statm("/proc/self/statm");
+    long pages = 0;
+    long resident = 0;
+    statm >> pages >> resident;
+    return static_cast<double>(resident) * static_cast<double>(::sysconf(_SC_PAGESIZE)) / 1e6;
+}
+
+void openVault(benchmark::State& state) {
+    const std::string path = vaultPath(state.range(0));
+    const double before = residentMegabytes();
+    double after = before;
+    for (auto _ : state) {
+        auto store = openStore(path);
+        benchmark::DoNotOptimize(store.get());
+        after = residentMegabytes();
+    }
+    // What the open store adds to the process, and the whole process with it open (an upper
+    // bound: it includes the benchmark program and memory kept from earlier rounds).
+    state.counters["storeMB"] = after - before;
+    state.counters["residentMB"] = after;
+}
+BENCHMARK(openVault)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+void searchQuery(benchmark::State& state, const char* query) {
+    DataStore& store = sharedStore(state.range(0));
+    std::size_t found = 0;
+    for (auto _ : state) {
+        found = store.search(query).size() + store.searchOrganizations(query).size();
+        benchmark::DoNotOptimize(found);
+    }
+    state.counters["results"] = static_cast<double>(found);
+}
+// A provider shared by a tenth of the vault, and one host name.
+BENCHMARK_CAPTURE(searchQuery, common, "HETZNER")
+    ->Arg(10'000)
+    ->Arg(100'000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(searchQuery, rare, "srv42.acme")
+    ->Arg(10'000)
+    ->Arg(100'000)
+    ->Unit(benchmark::kMillisecond);
+
+// Everything the sidebar badges and the dashboard totals ask for on one redraw.
+void sidebarCountsAndTotals(benchmark::State& state) {
+    DataStore& store = sharedStore(state.range(0));
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(store.fetchOrganizations().size());
+        benchmark::DoNotOptimize(store.fetchFavorites().size());
+        benchmark::DoNotOptimize(store.fetchExpiringSoon(30).size());
+        benchmark::DoNotOptimize(store.fetchExpired().size());
+        benchmark::DoNotOptimize(store.fetchAllServices(false).size());
+        benchmark::DoNotOptimize(store.fetchArchivedOrganizations().size());
+        benchmark::DoNotOptimize(store.totalActiveServices());
+        benchmark::DoNotOptimize(store.totalMonthlyCost());
+        benchmark::DoNotOptimize(store.totalYearlyCost());
+    }
+}
+BENCHMARK(sidebarCountsAndTotals)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+// An edit in a form: one service changes and is saved (a durable commit: fsync of the log).
+void saveOneChangedRecord(benchmark::State& state) {
+    DataStore& store = sharedStore(state.range(0));
+    ServiceRecord& service = *store.fetchAllServices().at(store.fetchAllServices().size() / 2);
+    const std::string original = service.notes;
+    long round = 0;
+    for (auto _ : state) {
+        service.notes = "edited " + std::to_string(++round);
+        store.noteChanged(service);
+        if (!store.save()) {
+            state.SkipWithError("save failed");
+        }
+    }
+    service.notes = original;
+    store.noteChanged(service);
+    store.save();
+}
+BENCHMARK(saveOneChangedRecord)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+} // namespace
