@@ -46,8 +46,10 @@ std::optional<std::string> TerminalPrompt::readSecret(std::string_view prompt) {
     const auto previousHup = std::signal(SIGHUP, restoreAndReraise);
 
     std::optional<std::string> line;
-    if (::write(terminal, prompt.data(), prompt.size()) == static_cast<ssize_t>(prompt.size()) &&
-        tcsetattr(terminal, TCSAFLUSH, &quiet) == 0) {
+    // Echo goes off before the prompt shows, so nothing typed in answer to it can be echoed;
+    // TCSAFLUSH drops whatever was typed before the question was asked.
+    if (tcsetattr(terminal, TCSAFLUSH, &quiet) == 0 &&
+        ::write(terminal, prompt.data(), prompt.size()) == static_cast<ssize_t>(prompt.size())) {
         std::string text;
         // Room reserved up front, so the string is not reallocated (leaving a copy of the secret
         // behind in freed memory) for any answer a person would type.
@@ -63,7 +65,7 @@ std::optional<std::string> TerminalPrompt::readSecret(std::string_view prompt) {
         c = 0;
     }
 
-    tcsetattr(terminal, TCSAFLUSH, &savedTerminal);
+    tcsetattr(terminal, TCSANOW, &savedTerminal);
     std::signal(SIGINT, previousInt);
     std::signal(SIGTERM, previousTerm);
     std::signal(SIGHUP, previousHup);
