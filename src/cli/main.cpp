@@ -5,6 +5,7 @@
 #include "ExpiredCommand.h"
 #include "ExpiringCommand.h"
 #include "OpenBundleCommand.h"
+#include "ParsePasteCommand.h"
 #include "SearchCommand.h"
 #include "TotalsCommand.h"
 #include "ProcessHardening.h"
@@ -21,6 +22,7 @@ using vorlane::CliCommand;
 std::vector<std::unique_ptr<CliCommand>> makeCommands() {
     std::vector<std::unique_ptr<CliCommand>> commands;
     commands.push_back(std::make_unique<vorlane::OpenBundleCommand>());
+    commands.push_back(std::make_unique<vorlane::ParsePasteCommand>());
     commands.push_back(std::make_unique<vorlane::DemoCommand>());
     commands.push_back(std::make_unique<vorlane::SearchCommand>());
     commands.push_back(std::make_unique<vorlane::ExpiringCommand>());
