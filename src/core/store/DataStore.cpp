@@ -205,14 +205,7 @@ std::vector<Organization*> DataStore::fetchArchivedOrganizations() const {
 }
 
 std::vector<ServiceRecord*> DataStore::fetchAllServices(bool includeArchived) const {
-    std::vector<ServiceRecord*> result;
-    result.reserve(m_context.serviceCount());
-    m_context.forEachServiceByTitle([&](ServiceRecord& service) {
-        if (includeArchived || !service.isArchived) {
-            result.push_back(&service);
-        }
-    });
-    return result;
+    return m_context.servicesByTitle(includeArchived);
 }
 
 std::vector<ServiceRecord*> DataStore::fetchExpiringSoon(int days) const {

@@ -24,8 +24,9 @@ struct VaultContext::OrganizationEntry {
 struct VaultContext::ServiceEntry {
     std::unique_ptr<ServiceRecord> record;
     std::uint64_t sequence = 0;
+    std::uint32_t slot = 0; // its row in m_rows
+    bool inTitleOrder = false;
     std::string sortKey;
-    std::string searchText;
     std::optional<ExpirationKey> expirationKey; // set while in the expiration index
     bool countedActive = false;
 };
@@ -91,6 +92,14 @@ ServiceRecord& VaultContext::insert(std::unique_ptr<ServiceRecord> service, Orga
         owner->services.push_back(&record);
         invalidateCosts(owner);
     }
+    if (m_freeRows.empty()) {
+        entry->slot = static_cast<std::uint32_t>(m_rows.size());
+        m_rows.emplace_back();
+    } else {
+        entry->slot = m_freeRows.back();
+        m_freeRows.pop_back();
+    }
+    m_rows[entry->slot].service = &record;
     index(*entry);
     m_servicesById[record.id] = &record;
     m_services.emplace(&record, std::move(entry));
@@ -155,6 +164,14 @@ void VaultContext::remove(ShareRecord& share) {
 void VaultContext::forgetService(ServiceRecord& service) {
     ServiceEntry& entry = entryOf(service);
     unindex(entry);
+    if (entry.inTitleOrder) {
+        m_servicesByTitle.erase(&entry);
+        m_ranksStale = true;
+    }
+    SearchRow& row = m_rows[entry.slot];
+    m_garbageTextBytes += row.textLength;
+    row = SearchRow();
+    m_freeRows.push_back(entry.slot);
     m_pendingServices.erase(&service);
     m_servicesById.erase(service.id);
     m_services.erase(&service);
@@ -190,6 +207,7 @@ void VaultContext::moveService(ServiceRecord& service, Organization& newOwner) {
         invalidateCosts(service.organization);
     }
     service.organization = &newOwner;
+    m_rows[entryOf(service).slot].owner = &newOwner;
     newOwner.services.push_back(&service);
     invalidateCosts(&newOwner);
     m_pendingServices.insert(&service);
@@ -265,10 +283,17 @@ void VaultContext::forEachOrganizationByName(
     }
 }
 
-void VaultContext::forEachServiceByTitle(const std::function<void(ServiceRecord&)>& visit) const {
-    for (const ServiceEntry* entry : m_servicesByTitle) {
-        visit(*entry->record);
+std::vector<ServiceRecord*> VaultContext::servicesByTitle(bool includeArchived) const {
+    rankByTitle();
+    std::vector<ServiceRecord*> result;
+    result.reserve(m_slotsByTitle.size());
+    for (const std::uint32_t slot : m_slotsByTitle) {
+        const SearchRow& row = m_rows[slot];
+        if (includeArchived || !row.archived) {
+            result.push_back(row.service);
+        }
     }
+    return result;
 }
 
 std::vector<ServiceRecord*> VaultContext::servicesMatching(std::string_view foldedQuery) const {
@@ -279,15 +304,24 @@ std::vector<ServiceRecord*> VaultContext::servicesMatching(std::string_view fold
             matchingOwners.insert(organization);
         }
     }
-    std::vector<ServiceRecord*> matches;
-    for (const ServiceEntry* entry : m_servicesByTitle) {
-        ServiceRecord& service = *entry->record;
-        if (!service.isArchived && (SearchText::contains(entry->searchText, foldedQuery) ||
-                                    matchingOwners.contains(service.organization))) {
-            matches.push_back(&service);
+    rankByTitle();
+    std::vector<std::pair<std::uint32_t, ServiceRecord*>> matches;
+    const std::string_view texts(m_texts);
+    for (std::size_t slot = 0; slot < m_rows.size(); ++slot) {
+        const SearchRow& row = m_rows[slot];
+        if (row.service && !row.archived &&
+            (SearchText::contains(texts.substr(row.textOffset, row.textLength), foldedQuery) ||
+             (!matchingOwners.empty() && matchingOwners.contains(row.owner)))) {
+            matches.emplace_back(m_titleRankOfSlot[slot], row.service);
         }
     }
-    return matches;
+    std::sort(matches.begin(), matches.end());
+    std::vector<ServiceRecord*> result;
+    result.reserve(matches.size());
+    for (const auto& match : matches) {
+        result.push_back(match.second);
+    }
+    return result;
 }
 
 std::vector<Organization*> VaultContext::organizationsMatching(std::string_view foldedQuery) const {
@@ -359,7 +393,17 @@ void VaultContext::unindex(OrganizationEntry& entry) {
 
 void VaultContext::index(ServiceEntry& entry) {
     const ServiceRecord& service = *entry.record;
-    entry.sortKey = m_order.sortKey(service.title);
+    // The title order changes only when the title's key does: most edits leave it alone.
+    std::string sortKey = m_order.sortKey(service.title);
+    if (!entry.inTitleOrder || sortKey != entry.sortKey) {
+        if (entry.inTitleOrder) {
+            m_servicesByTitle.erase(&entry);
+        }
+        entry.sortKey = std::move(sortKey);
+        m_servicesByTitle.insert(&entry);
+        entry.inTitleOrder = true;
+        m_ranksStale = true;
+    }
     std::string text;
     for (const std::string* field :
          {&service.title, &service.provider, &service.hostname, &service.domain, &service.ipAddress,
@@ -371,8 +415,10 @@ void VaultContext::index(ServiceEntry& entry) {
     // ("Domain Registrar").
     appendField(text, service.serviceTypeRaw);
     appendField(text, service.serviceType().label());
-    entry.searchText = SearchText::fold(text);
-    m_servicesByTitle.insert(&entry);
+    setSearchText(entry.slot, SearchText::fold(text));
+    SearchRow& row = m_rows[entry.slot];
+    row.owner = service.organization;
+    row.archived = service.isArchived;
     if (!service.isArchived) {
         if (service.expirationDate) {
             entry.expirationKey = ExpirationKey{*service.expirationDate, entry.sequence};
@@ -385,8 +431,9 @@ void VaultContext::index(ServiceEntry& entry) {
     }
 }
 
+// Takes the service out of the indexes that depend on fields other than the title; the title
+// order is updated by `index` only when the title's key changed.
 void VaultContext::unindex(ServiceEntry& entry) {
-    m_servicesByTitle.erase(&entry);
     if (entry.expirationKey) {
         m_servicesByExpiration.erase(*entry.expirationKey);
         entry.expirationKey.reset();
@@ -395,6 +442,46 @@ void VaultContext::unindex(ServiceEntry& entry) {
         entry.countedActive = false;
         --m_activeServiceCount;
     }
+}
+
+void VaultContext::setSearchText(std::uint32_t slot, std::string_view folded) {
+    SearchRow& row = m_rows[slot];
+    if (std::string_view(m_texts).substr(row.textOffset, row.textLength) == folded) {
+        return;
+    }
+    m_garbageTextBytes += row.textLength;
+    row.textOffset = static_cast<std::uint32_t>(m_texts.size());
+    row.textLength = static_cast<std::uint32_t>(folded.size());
+    m_texts += folded;
+    if (m_garbageTextBytes > (1u << 20) && m_garbageTextBytes > m_texts.size() / 2) {
+        compactSearchTexts();
+    }
+}
+
+void VaultContext::compactSearchTexts() {
+    std::string compacted;
+    compacted.reserve(m_texts.size() - m_garbageTextBytes);
+    for (SearchRow& row : m_rows) {
+        const std::uint32_t offset = static_cast<std::uint32_t>(compacted.size());
+        compacted.append(m_texts, row.textOffset, row.textLength);
+        row.textOffset = offset;
+    }
+    m_texts.swap(compacted);
+    m_garbageTextBytes = 0;
+}
+
+void VaultContext::rankByTitle() const {
+    if (!m_ranksStale) {
+        return;
+    }
+    m_slotsByTitle.clear();
+    m_slotsByTitle.reserve(m_servicesByTitle.size());
+    m_titleRankOfSlot.assign(m_rows.size(), 0);
+    for (const ServiceEntry* entry : m_servicesByTitle) {
+        m_titleRankOfSlot[entry->slot] = static_cast<std::uint32_t>(m_slotsByTitle.size());
+        m_slotsByTitle.push_back(entry->slot);
+    }
+    m_ranksStale = false;
 }
 
 void VaultContext::invalidateCosts(const Organization* organization) const {

@@ -85,10 +85,11 @@ public:
     std::size_t organizationCount() const { return m_organizations.size(); }
     std::size_t serviceCount() const { return m_services.size(); }
 
-    // Ordered walks over every organization by name, every service by title (archived ones
-    // included; ties in insertion order).
+    // Every organization by name (ties in insertion order).
     void forEachOrganizationByName(const std::function<void(Organization&)>& visit) const;
-    void forEachServiceByTitle(const std::function<void(ServiceRecord&)>& visit) const;
+    // Services by title (ties in insertion order); archived ones (as of their last noted change)
+    // only when asked for.
+    std::vector<ServiceRecord*> servicesByTitle(bool includeArchived) const;
 
     // Containment search over the folded texts (see SearchText); `foldedQuery` is not empty.
     // Non-archived services whose own fields, kind, tags or organization's name or project name
@@ -123,6 +124,9 @@ private:
     void unindex(OrganizationEntry& entry);
     void index(ServiceEntry& entry);
     void unindex(ServiceEntry& entry);
+    void setSearchText(std::uint32_t slot, std::string_view folded);
+    void compactSearchTexts();
+    void rankByTitle() const;
     void forgetService(ServiceRecord& service);
     void invalidateCosts(const Organization* organization) const;
     OrganizationEntry& entryOf(const Organization& organization) const;
@@ -140,6 +144,28 @@ private:
 
     std::set<OrganizationEntry*, ByKey> m_organizationsByName;
     std::set<ServiceEntry*, ByKey> m_servicesByTitle;
+
+    // What a search scans, kept flat so that a query over 100,000 services reads memory in order
+    // instead of chasing a pointer per record: one row per service (a slot, reused after removal)
+    // and every service's folded text in one buffer. A changed text is appended and the old one
+    // left as garbage until the buffer is compacted.
+    struct SearchRow {
+        ServiceRecord* service = nullptr; // null for a free slot
+        const Organization* owner = nullptr;
+        std::uint32_t textOffset = 0;
+        std::uint32_t textLength = 0;
+        bool archived = false;
+    };
+    std::vector<SearchRow> m_rows;
+    std::vector<std::uint32_t> m_freeRows;
+    std::string m_texts;
+    std::size_t m_garbageTextBytes = 0;
+    // Title order as row slots, and each slot's position in it; rebuilt from m_servicesByTitle
+    // when stale.
+    mutable std::vector<std::uint32_t> m_slotsByTitle;
+    mutable std::vector<std::uint32_t> m_titleRankOfSlot;
+    mutable bool m_ranksStale = false;
+
     std::map<ExpirationKey, ServiceRecord*> m_servicesByExpiration;
     std::size_t m_activeServiceCount = 0;
 
