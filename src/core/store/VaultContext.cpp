@@ -123,6 +123,17 @@ ShareRecord& VaultContext::insert(std::unique_ptr<ShareRecord> share, Organizati
     return record;
 }
 
+void VaultContext::reserve(std::size_t organizations, std::size_t services) {
+    // Folded texts average well under 256 bytes per service.
+    constexpr std::size_t textBytesPerService = 256;
+    m_organizations.reserve(organizations);
+    m_organizationsById.reserve(organizations);
+    m_services.reserve(services);
+    m_servicesById.reserve(services);
+    m_rows.reserve(services);
+    m_texts.reserve(services * textBytesPerService);
+}
+
 void VaultContext::remove(Organization& organization) {
     // Each row is deleted by id as well as by the file's cascade: a service moved here since the
     // last save still has its old organization in the file, where no cascade would reach it.

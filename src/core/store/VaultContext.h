@@ -60,6 +60,10 @@ public:
     ShareRecord& insert(std::unique_ptr<ShareRecord> share, Organization* owner,
                         bool pending = true);
 
+    // Makes room for a vault of this size up front, so that loading a large one does not grow
+    // its tables step by step.
+    void reserve(std::size_t organizations, std::size_t services);
+
     // Removal destroys the record. An organization takes its services and share records along.
     void remove(Organization& organization);
     void remove(ServiceRecord& service);

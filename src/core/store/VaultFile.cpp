@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -547,6 +548,12 @@ bool VaultFile::load(VaultContext& context, std::string& error) {
         }
         return true;
     };
+    const auto rowCount = [&](const char* sql) {
+        return static_cast<std::size_t>(
+            std::max<std::int64_t>(0, m_connection.queryInteger(sql).value_or(0)));
+    };
+    context.reserve(rowCount("SELECT COUNT(*) FROM organizations"),
+                    rowCount("SELECT COUNT(*) FROM services"));
     const auto ownerOf = [&](RowReader& row) -> Organization* {
         const auto id = row.optionalUuid(1);
         return id ? context.organization(*id) : nullptr;
