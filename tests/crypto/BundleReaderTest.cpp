@@ -125,6 +125,23 @@ TEST_F(BundleReaderTest, PayloadThatDoesNotMatchItsIntegrityHashIsNotReturned) {
               "Data integrity check failed. The data may have been tampered with.");
 }
 
+// Written by an independent implementation (Python's `cryptography` package: HKDF-SHA256 with
+// the export label, AES-256-GCM with the nonce 0f0e...04), so that a bundle made elsewhere opens
+// here byte for byte, and the format is not merely consistent with itself.
+TEST(BundleReaderForeignTest, OpensABundleWrittenByAnotherImplementation) {
+    const auto bundle = ExportBundle::fromJson(
+        R"({"version":1,"salt":"ZGVmZ2hpamtsbW5vcHFyc3R1dnd4eXp7fH1+f4CBgoM=",)"
+        R"("encryptedPayload":"Dw4NDAsKCQgHBgUEn+aL6qNrPp\/ve76w3I1ERnNlsIlZAuyvOtDf7HOjvEOwJCAD)"
+        R"(xn8S+xOcNT2R2RG7ztdh1VUyYEQoEutsqCST9mOUOPymOxn7eCBrUdOl3XX8UdI=",)"
+        R"("createdAt":737631000.25,)"
+        R"("integrity":"0a440491d21d44ab10b2b2810b65f7c5bbc8572183f5d64a198ad3d411f457d7"})");
+    ASSERT_TRUE(bundle.ok()) << bundle.error();
+    const auto opened = BundleReader::open(bundle.value(), "p\xC3\xA4ssword");
+    ASSERT_TRUE(opened.ok()) << errorDescription(opened.error());
+    EXPECT_EQ(std::string(opened.value().begin(), opened.value().end()),
+              "{\"organization\":\"Acme Caf\xC3\xA9\",\"url\":\"https://acme.example/wp-admin\"}");
+}
+
 TEST_F(BundleReaderTest, LargeAndBinaryPayloadsRoundTrip) {
     std::string large(3 * 1024 * 1024 + 7, '\0');
     for (std::size_t i = 0; i < large.size(); ++i) {
