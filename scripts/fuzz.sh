@@ -3,7 +3,7 @@
 # in build-fuzz/ and runs one of them on its seed corpus.
 #   scripts/fuzz.sh                 1,000,000 inputs to vorlane_paste_fuzzer
 #   scripts/fuzz.sh 5000000         as many inputs as given
-#   scripts/fuzz.sh 0 -max_len=1048576   extra libFuzzer options after the count (0: no limit)
+#   scripts/fuzz.sh -1 -max_len=1048576  extra libFuzzer options after the count (-1: no limit)
 # New inputs that reach new code go to build-fuzz/corpus-paste/, so the seed corpus under
 # fuzz/corpus/ stays as written; crashes are written to build-fuzz/ as crash-*.
 set -euo pipefail
