@@ -422,10 +422,9 @@ void VaultContext::index(ServiceEntry& entry) {
         appendField(text, *field);
     }
     text += joinedTags(service.tags);
-    // The kind is found by its raw value ("domainRegistrar") and by the label people read
-    // ("Domain Registrar").
+    // The kind is found by the value stored for it ("domainRegistrar"), as typed by people who
+    // search for "ssh" or "domain".
     appendField(text, service.serviceTypeRaw);
-    appendField(text, service.serviceType().label());
     setSearchText(entry.slot, SearchText::fold(text));
     SearchRow& row = m_rows[entry.slot];
     row.owner = service.organization;
