@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Configures and builds Vorlane into a build directory: build/ by default, build-sanitize/ with
-# --sanitize (AddressSanitizer and UndefinedBehaviorSanitizer).
+# --sanitize (AddressSanitizer and UndefinedBehaviorSanitizer). The build's own output goes to
+# stderr; the last line on stdout is the build directory, for the scripts that call this one.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_dir="$root/build"
@@ -10,8 +11,8 @@ if [[ "${1:-}" == "--sanitize" ]]; then
   cmake_args+=(-DVORLANE_SANITIZE=ON -DCMAKE_BUILD_TYPE=Debug -DVORLANE_BUILD_BENCHMARKS=OFF)
 fi
 if [[ ! -f "$build_dir/build.ninja" ]]; then
-  cmake -S "$root" -B "$build_dir" -G Ninja "${cmake_args[@]}" >/dev/null
+  cmake -S "$root" -B "$build_dir" -G Ninja "${cmake_args[@]}" >&2
 fi
 # Two cores on the reference machine: more jobs only thrash memory.
-cmake --build "$build_dir" -- -j"${VORLANE_JOBS:-2}"
+cmake --build "$build_dir" -- -j"${VORLANE_JOBS:-2}" >&2
 echo "$build_dir"

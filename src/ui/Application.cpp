@@ -125,7 +125,10 @@ int Application::run(int argc, char* argv[]) {
             "Start GNOME Keyring, KWallet or KeePassXC and restart Vorlane."));
     }
     window.show();
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    // The shared instance outlives this function; the authenticator and timers it uses do not.
+    AuthManager::shared().disconnectPlatform();
+    return status;
 }
 
 } // namespace vorlane

@@ -16,6 +16,11 @@ void AuthManager::connectPlatform(Authenticator& authenticator, Timers& mainLoop
     m_mainLoop = &mainLoop;
 }
 
+void AuthManager::disconnectPlatform() {
+    m_authenticator = nullptr;
+    m_mainLoop = nullptr;
+}
+
 void AuthManager::setAuthenticated(bool authenticated) {
     if (authenticated == m_isAuthenticated) {
         return;

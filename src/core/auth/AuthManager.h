@@ -32,6 +32,8 @@ public:
     // must outlive every request still waiting for its reply. Until this is called every request
     // answers false at once, inside the call.
     void connectPlatform(Authenticator& authenticator, Timers& mainLoop);
+    // Forgets them again, before they are destroyed at shutdown; later requests answer false.
+    void disconnectPlatform();
 
     bool isAuthenticated() const { return m_isAuthenticated; }
     std::optional<Instant> lastAuthDate() const { return m_lastAuthDate; }
