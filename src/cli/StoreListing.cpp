@@ -3,6 +3,7 @@
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 #include "store/StoreJson.h"
+#include "util/IsoDate.h"
 
 #include <iomanip>
 #include <ostream>
@@ -20,7 +21,7 @@ void StoreListing::services(std::ostream& out, const std::vector<ServiceRecord*>
             << (service->organization ? service->organization->name : "") << "  " << std::setw(24)
             << service->displaySubtitle() << "  ";
         if (service->expirationDate) {
-            out << StoreJson::isoDate(*service->expirationDate).substr(0, 10) << " ("
+            out << IsoDate::utc(*service->expirationDate).substr(0, 10) << " ("
                 << service->expirationState(calendar).displayName() << ")";
         }
         out << "\n";

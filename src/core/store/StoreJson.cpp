@@ -2,12 +2,10 @@
 
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
+#include "util/IsoDate.h"
 #include "util/UserCalendar.h"
 
 #include <nlohmann/json.hpp>
-
-#include <chrono>
-#include <cstdio>
 
 namespace vorlane {
 
@@ -20,25 +18,11 @@ std::string line(const nlohmann::ordered_json& object) {
 }
 
 nlohmann::ordered_json optionalDate(const std::optional<Instant>& instant) {
-    return instant ? nlohmann::ordered_json(StoreJson::isoDate(*instant))
+    return instant ? nlohmann::ordered_json(IsoDate::utc(*instant))
                    : nlohmann::ordered_json(nullptr);
 }
 
 } // namespace
-
-std::string StoreJson::isoDate(Instant instant) {
-    using namespace std::chrono;
-    const sys_days day = floor<days>(instant);
-    const year_month_day date(day);
-    const hh_mm_ss time(instant - day);
-    char text[64];
-    std::snprintf(
-        text, sizeof text, "%04d-%02u-%02uT%02ld:%02ld:%02ld.%03ldZ", static_cast<int>(date.year()),
-        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-        static_cast<long>(time.hours().count()), static_cast<long>(time.minutes().count()),
-        static_cast<long>(time.seconds().count()), static_cast<long>(time.subseconds().count()));
-    return text;
-}
 
 std::string StoreJson::service(const ServiceRecord& service, const UserCalendar& calendar) {
     nlohmann::ordered_json object;

@@ -21,8 +21,6 @@ public:
     static std::string organization(const Organization& organization);
     static std::string totals(std::size_t activeServices, const Decimal& monthlyCost,
                               const Decimal& yearlyCost);
-    // "2025-03-20T12:00:00.000Z".
-    static std::string isoDate(Instant instant);
 };
 
 } // namespace vorlane
