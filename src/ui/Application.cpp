@@ -17,6 +17,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QIcon>
+#include <QLabel>
 #include <QMessageBox>
 #include <QStatusBar>
 #include <QStringList>
@@ -120,9 +121,10 @@ int Application::run(int argc, char* argv[]) {
     if (!keychain.isAvailable()) {
         // Records still work, but nothing secret can be kept: say so rather than fail silently
         // at the first password.
-        window.statusBar()->showMessage(QStringLiteral(
+        // A widget rather than a status message, which the next status tip would wipe out.
+        window.statusBar()->addWidget(new QLabel(QStringLiteral(
             "No Secret Service is running: passwords and API keys cannot be saved or shown. "
-            "Start GNOME Keyring, KWallet or KeePassXC and restart Vorlane."));
+            "Start GNOME Keyring, KWallet or KeePassXC and restart Vorlane.")));
     }
     window.show();
     const int status = QApplication::exec();
