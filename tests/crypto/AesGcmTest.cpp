@@ -5,7 +5,6 @@
 #include "crypto/AesGcm.h"
 
 #include "Hex.h"
-#include "crypto/CryptoManager.h"
 
 #include <gtest/gtest.h>
 
@@ -54,69 +53,20 @@ AesGcm::Nonce nonceFrom(const char* hex) {
     return nonce;
 }
 
-TEST(AesGcmTest, SealGivesNonceCiphertextAndTagOfThePublishedVectors) {
+// Sealing with the vector's nonce gives exactly nonce, ciphertext and tag; opening that gives the
+// plaintext back.
+TEST(AesGcmTest, SealAndOpenMatchThePublishedVectors) {
     for (const GcmVector& vector : vectors) {
         SCOPED_TRACE(vector.name);
+        const std::string combined = std::string(vector.nonce) + vector.ciphertext + vector.tag;
         const auto sealed =
             AesGcm::seal(fromHex(vector.plaintext), keyFrom(vector.key), nonceFrom(vector.nonce));
         ASSERT_TRUE(sealed.ok());
-        EXPECT_EQ(toHex(sealed.value()),
-                  std::string(vector.nonce) + vector.ciphertext + vector.tag);
-    }
-}
-
-TEST(AesGcmTest, OpenRecoversThePublishedPlaintexts) {
-    for (const GcmVector& vector : vectors) {
-        SCOPED_TRACE(vector.name);
-        const auto combined = fromHex(std::string(vector.nonce) + vector.ciphertext + vector.tag);
-        const auto opened = AesGcm::open(combined, keyFrom(vector.key));
+        EXPECT_EQ(toHex(sealed.value()), combined);
+        const auto opened = AesGcm::open(fromHex(combined), keyFrom(vector.key));
         ASSERT_TRUE(opened.ok());
         EXPECT_EQ(toHex(opened.value()), vector.plaintext);
     }
-}
-
-TEST(AesGcmTest, OpenRejectsAnAlteredTagOrAWrongKey) {
-    const GcmVector& vector = vectors[2];
-    auto combined = fromHex(std::string(vector.nonce) + vector.ciphertext + vector.tag);
-    auto wrongKey = fromHex(vector.key);
-    wrongKey[31] ^= 0x01;
-    const auto withWrongKey = AesGcm::open(combined, *SymmetricKey::fromBytes(wrongKey));
-    ASSERT_FALSE(withWrongKey.ok());
-    EXPECT_EQ(withWrongKey.error(), CryptoError::decryptionFailed);
-
-    combined.back() ^= 0x80;
-    const auto withAlteredTag = AesGcm::open(combined, keyFrom(vector.key));
-    ASSERT_FALSE(withAlteredTag.ok());
-    EXPECT_EQ(withAlteredTag.error(), CryptoError::decryptionFailed);
-}
-
-TEST(AesGcmTest, OpenRejectsAnythingShorterThanNonceAndTag) {
-    const auto key = SymmetricKey::random();
-    ASSERT_TRUE(key.has_value());
-    for (std::size_t length : {0u, 1u, 12u, 27u}) {
-        SCOPED_TRACE(length);
-        const auto opened = AesGcm::open(std::vector<std::uint8_t>(length, 0), *key);
-        ASSERT_FALSE(opened.ok());
-        EXPECT_EQ(opened.error(), CryptoError::decryptionFailed);
-    }
-}
-
-TEST(AesGcmTest, EncryptUsesAFreshNonceEachTimeAndDecryptOpensIt) {
-    const auto key = SymmetricKey::random();
-    ASSERT_TRUE(key.has_value());
-    const auto payload = asBytes("{\"organization\":\"Acme\"}");
-    const auto first = CryptoManager::encrypt(payload, *key);
-    const auto second = CryptoManager::encrypt(payload, *key);
-    ASSERT_TRUE(first.ok() && second.ok());
-    EXPECT_EQ(first.value().size(), payload.size() + AesGcm::overhead);
-    EXPECT_FALSE(
-        std::equal(first.value().begin(), first.value().begin() + 12, second.value().begin()));
-    EXPECT_NE(first.value(), second.value());
-
-    const auto opened = CryptoManager::decrypt(first.value(), *key);
-    ASSERT_TRUE(opened.ok());
-    EXPECT_TRUE(
-        std::equal(payload.begin(), payload.end(), opened.value().begin(), opened.value().end()));
 }
 
 } // namespace

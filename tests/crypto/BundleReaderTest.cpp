@@ -103,26 +103,18 @@ TEST_F(BundleReaderTest, EverySingleByteFlipOfTheSealedDataIsRejected) {
 
 TEST_F(BundleReaderTest, TruncatedOrAlteredSaltIsRejected) {
     const auto [bundle, key] = sealThroughFile(payload, "pw");
-    ExportBundle truncated = bundle;
-    truncated.encryptedPayload.pop_back();
-    EXPECT_EQ(BundleReader::open(truncated, "pw").error(), CryptoError::decryptionFailed);
-    truncated.encryptedPayload.resize(27);
-    EXPECT_EQ(BundleReader::open(truncated, "pw").error(), CryptoError::decryptionFailed);
+    // One byte short, and shorter than a nonce and a tag together, down to nothing.
+    for (const std::size_t length : {bundle.encryptedPayload.size() - 1, std::size_t{27},
+                                     std::size_t{12}, std::size_t{1}, std::size_t{0}}) {
+        ExportBundle truncated = bundle;
+        truncated.encryptedPayload.resize(length);
+        EXPECT_EQ(BundleReader::open(truncated, "pw").error(), CryptoError::decryptionFailed)
+            << length;
+    }
 
     ExportBundle otherSalt = bundle;
     otherSalt.salt[5] ^= 0x10;
     EXPECT_EQ(BundleReader::open(otherSalt, "pw").error(), CryptoError::decryptionFailed);
-}
-
-TEST_F(BundleReaderTest, PayloadThatDoesNotMatchItsIntegrityHashIsNotReturned) {
-    const auto [bundle, key] = sealThroughFile(payload, "pw");
-    ExportBundle altered = bundle;
-    altered.integrity = CryptoManager::integrityOf(asBytes(payload + " "));
-    const auto refused = BundleReader::open(altered, "pw");
-    ASSERT_FALSE(refused.ok());
-    EXPECT_EQ(refused.error(), CryptoError::integrityCheckFailed);
-    EXPECT_EQ(errorDescription(refused.error()),
-              "Data integrity check failed. The data may have been tampered with.");
 }
 
 // Written by an independent implementation (Python's `cryptography` package: HKDF-SHA256 with
