@@ -2,6 +2,7 @@
 // pseudo-terminal for the prompt, where the test types the person's answer.
 
 #include "ManualClock.h"
+#include "RunCommand.h"
 #include "TestTime.h"
 #include "crypto/CryptoManager.h"
 
@@ -9,7 +10,6 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <pty.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,8 +18,6 @@
 #include <fstream>
 #include <sstream>
 
-extern char** environ;
-
 namespace {
 
 using namespace vorlane;
@@ -27,11 +25,7 @@ namespace fs = std::filesystem;
 
 const std::string payload = R"({"organization":"Acme","items":[{"url":"https://acme.example/"}]})";
 
-struct Outcome {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
+using vorlane::testing::CommandRun;
 
 class OpenBundleCliTest : public ::testing::Test {
 protected:
@@ -48,11 +42,6 @@ protected:
         return path;
     }
 
-    static std::string read(const fs::path& path) {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
     // Seals the payload and writes the bundle file; the generated key's text when no password.
     std::optional<std::string> writeBundle(const std::string& name,
                                            std::optional<std::string_view> password) {
@@ -63,33 +52,12 @@ protected:
     }
 
     // Runs vorlane-cli with stdin from /dev/null, so no one is there to be asked.
-    Outcome run(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), VORLANE_CLI);
-        std::vector<char*> argv;
-        for (std::string& argument : arguments) {
-            argv.push_back(argument.data());
+    static CommandRun run(const std::vector<std::string>& arguments) {
+        std::string command = VORLANE_CLI;
+        for (const std::string& argument : arguments) {
+            command += " " + vorlane::testing::shellWord(argument);
         }
-        argv.push_back(nullptr);
-        const fs::path out = dir / "stdout";
-        const fs::path err = dir / "stderr";
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
-        posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
-                                         0600);
-        posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
-                                         0600);
-        pid_t pid = 0;
-        Outcome outcome;
-        if (posix_spawn(&pid, VORLANE_CLI, &actions, nullptr, argv.data(), environ) == 0) {
-            int status = 0;
-            waitpid(pid, &status, 0);
-            outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        }
-        posix_spawn_file_actions_destroy(&actions);
-        outcome.out = read(out);
-        outcome.err = read(err);
-        return outcome;
+        return vorlane::testing::runCommand(command);
     }
 
     fs::path dir;
@@ -97,25 +65,22 @@ protected:
     CryptoManager crypto{clock};
 };
 
-TEST_F(OpenBundleCliTest, PrintsExactlyThePayloadWithAPasswordFile) {
-    writeBundle("acme.vorlane", "s3cret pass");
-    // Written by `echo`: the line break is not part of the password, the space is.
+TEST_F(OpenBundleCliTest, PrintsExactlyThePayloadWithAPasswordOrKeyFile) {
+    writeBundle("password.vorlane", "s3cret pass");
+    // Written by `echo`: the line break is not part of the password or key, the space is.
     write("password", "s3cret pass\n");
-    const Outcome opened = run({"open-bundle", (dir / "acme.vorlane").string(), "--password-file",
-                                (dir / "password").string()});
-    EXPECT_EQ(opened.status, 0) << opened.err;
-    EXPECT_EQ(opened.out, payload);
-    EXPECT_EQ(opened.err, "");
-}
-
-TEST_F(OpenBundleCliTest, PrintsThePayloadWithAKeyFile) {
-    const auto key = writeBundle("acme.vorlane", std::nullopt);
-    ASSERT_TRUE(key.has_value());
-    write("key", *key + "\n");
-    const Outcome opened =
-        run({"open-bundle", (dir / "acme.vorlane").string(), "--key-file", (dir / "key").string()});
-    EXPECT_EQ(opened.status, 0) << opened.err;
-    EXPECT_EQ(opened.out, payload);
+    write("key", *writeBundle("key.vorlane", std::nullopt) + "\n");
+    const std::string p = dir.string() + "/";
+    for (const auto& arguments :
+         {std::vector<std::string>{"open-bundle", p + "password.vorlane", "--password-file",
+                                   p + "password"},
+          std::vector<std::string>{"open-bundle", p + "key.vorlane", "--key-file", p + "key"}}) {
+        SCOPED_TRACE(arguments[1]);
+        const CommandRun opened = run(arguments);
+        EXPECT_EQ(opened.status, 0) << opened.err;
+        EXPECT_EQ(opened.out, payload);
+        EXPECT_EQ(opened.err, "");
+    }
 }
 
 TEST_F(OpenBundleCliTest, FailuresPrintTheirMessageAndNothingOfThePayload) {
@@ -157,7 +122,7 @@ TEST_F(OpenBundleCliTest, FailuresPrintTheirMessageAndNothingOfThePayload) {
     };
     for (const auto& [arguments, message] : cases) {
         SCOPED_TRACE(arguments[1] + (arguments.size() > 3 ? " " + arguments[3] : ""));
-        const Outcome refused = run(arguments);
+        const CommandRun refused = run(arguments);
         EXPECT_EQ(refused.status, 1);
         EXPECT_EQ(refused.err, message);
         EXPECT_EQ(refused.out, "");
@@ -173,7 +138,7 @@ TEST_F(OpenBundleCliTest, WrongCommandLinesAreUsageErrors) {
           {"open-bundle", bundle, "--pasword-file", "x"},
           {"open-bundle", bundle, bundle},
           {"open-bundle", bundle, "--password-file", "a", "--key-file", "b"}}) {
-        const Outcome refused = run(arguments);
+        const CommandRun refused = run(arguments);
         EXPECT_EQ(refused.status, 2) << arguments.back();
         EXPECT_NE(refused.err, "");
         EXPECT_EQ(refused.out, "");

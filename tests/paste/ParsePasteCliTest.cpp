@@ -1,12 +1,10 @@
 // `vorlane-cli parse-paste`, run as a user would: text on stdin, JSON on stdout.
 
+#include "RunCommand.h"
+
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <array>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -14,39 +12,27 @@
 
 namespace {
 
-struct CliRun {
-    int status = -1;
-    std::string out;
-};
+using vorlane::testing::CommandRun;
 
 // Runs the command with `input` on stdin in the given time zone and an American locale.
-CliRun parsePaste(const std::string& input, const std::string& zone = "America/New_York",
-                  const std::string& arguments = "") {
+CommandRun parsePaste(const std::string& input, const std::string& zone = "America/New_York",
+                      const std::string& arguments = "") {
     const std::filesystem::path file = std::filesystem::temp_directory_path() /
                                        ("vorlane-paste-" + std::to_string(::getpid()) + ".txt");
     std::ofstream(file, std::ios::binary) << input;
-    const std::string command = "env TZ=" + zone + " LANG=en_US.UTF-8 LC_ALL=en_US.UTF-8 '" +
-                                VORLANE_CLI + "' parse-paste " + arguments + " < '" +
-                                file.string() + "' 2>&1";
-    CliRun run;
-    FILE* pipe = ::popen(command.c_str(), "r");
-    if (pipe == nullptr) {
-        return run;
-    }
-    std::array<char, 4096> buffer{};
-    while (const std::size_t got = std::fread(buffer.data(), 1, buffer.size(), pipe)) {
-        run.out.append(buffer.data(), got);
-    }
-    const int status = ::pclose(pipe);
-    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    const CommandRun run =
+        vorlane::testing::runCommand("env TZ=" + zone + " LANG=en_US.UTF-8 LC_ALL=en_US.UTF-8 " +
+                                         VORLANE_CLI + " parse-paste " + arguments,
+                                     file.string());
     std::filesystem::remove(file);
     return run;
 }
 
 TEST(ParsePasteCliTest, PrintsEveryFieldAsOneJsonObject) {
-    const CliRun run = parsePaste("Server IP: 203.0.113.42\r\nRoot password: Vx7#qLm2pT  \r\n"
-                                  "Renews 2026-03-15 on the VPS\r\n");
-    ASSERT_EQ(run.status, 0) << run.out;
+    const CommandRun run = parsePaste("Server IP: 203.0.113.42\r\nRoot password: Vx7#qLm2pT  \r\n"
+                                      "Renews 2026-03-15 on the VPS\r\n");
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.err, "");
     ASSERT_EQ(run.out.back(), '\n');
     ASSERT_EQ(run.out.find('\n'), run.out.size() - 1) << "one line";
     const auto json = nlohmann::ordered_json::parse(run.out);
@@ -70,14 +56,14 @@ TEST(ParsePasteCliTest, PrintsEveryFieldAsOneJsonObject) {
 }
 
 TEST(ParsePasteCliTest, ReadsDatesInTheEnvironmentsZone) {
-    const CliRun run = parsePaste("Expires 2026-03-15", "UTC");
-    ASSERT_EQ(run.status, 0) << run.out;
+    const CommandRun run = parsePaste("Expires 2026-03-15", "UTC");
+    ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(nlohmann::json::parse(run.out)["detectedDate"], "2026-03-15T00:00:00Z");
 }
 
 TEST(ParsePasteCliTest, EmptyInputGivesTheInitialRecord) {
-    const CliRun run = parsePaste("");
-    ASSERT_EQ(run.status, 0) << run.out;
+    const CommandRun run = parsePaste("");
+    ASSERT_EQ(run.status, 0) << run.err;
     const auto json = nlohmann::json::parse(run.out);
     EXPECT_EQ(json["serviceType"], "customSecret");
     EXPECT_EQ(json["title"], "Custom Secret");
@@ -87,16 +73,16 @@ TEST(ParsePasteCliTest, EmptyInputGivesTheInitialRecord) {
 }
 
 TEST(ParsePasteCliTest, IllFormedUtf8StillGivesValidJson) {
-    const CliRun run = parsePaste("User: ab\xff\xfe\n");
-    ASSERT_EQ(run.status, 0) << run.out;
+    const CommandRun run = parsePaste("User: ab\xff\xfe\n");
+    ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(nlohmann::json::parse(run.out)["username"], "ab\ufffd\ufffd");
 }
 
 TEST(ParsePasteCliTest, RefusesArguments) {
-    const CliRun run = parsePaste("User: x", "UTC", "notes.txt");
+    const CommandRun run = parsePaste("User: x", "UTC", "notes.txt");
     EXPECT_EQ(run.status, 2);
-    EXPECT_NE(run.out.find("takes no arguments"), std::string::npos) << run.out;
-    EXPECT_NE(run.out.find("notes.txt"), std::string::npos) << run.out;
+    EXPECT_NE(run.err.find("takes no arguments"), std::string::npos) << run.err;
+    EXPECT_NE(run.err.find("notes.txt"), std::string::npos) << run.err;
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 
 #include <chrono>
+#include <tuple>
 
 namespace vorlane::testing {
 namespace {
@@ -16,6 +17,27 @@ class DataStorePersistenceTest : public VaultFixture {};
 
 std::int64_t count(SqliteConnection& db, const std::string& sql) {
     return db.queryInteger(sql).value_or(-1);
+}
+
+// Every stored field of a record, to compare a record with its reloaded copy in one go.
+auto fields(const Organization& o) {
+    return std::tie(o.id, o.name, o.projectName, o.contactName, o.contactEmail, o.contactPhone,
+                    o.website, o.notes, o.tags, o.isActive, o.isArchived, o.isFavorite, o.createdAt,
+                    o.updatedAt);
+}
+
+auto fields(const ServiceRecord& s) {
+    return std::tie(s.id, s.serviceTypeRaw, s.title, s.provider, s.hostname, s.domain, s.ipAddress,
+                    s.loginURL, s.username, s.emailAddress, s.port, s.sshKeyReference,
+                    s.purchaseDate, s.renewalDate, s.expirationDate, s.billingCycleRaw,
+                    s.monthlyCost, s.yearlyCost, s.autoRenew, s.tags, s.notes, s.riskLevelRaw,
+                    s.statusRaw, s.isArchived, s.createdAt, s.updatedAt, s.secretKeychainID,
+                    s.apiKeyKeychainID);
+}
+
+auto fields(const ShareRecord& h) {
+    return std::tie(h.id, h.serviceIDs, h.recipientLabel, h.notes, h.includesSecrets,
+                    h.redactedFields, h.expirationDate, h.isRevoked, h.sharedAt, h.shareMethodRaw);
 }
 
 TEST_F(DataStorePersistenceTest, EveryFieldSurvivesReopening) {
@@ -57,17 +79,18 @@ TEST_F(DataStorePersistenceTest, EveryFieldSurvivesReopening) {
     service.notes = "Jump host";
     service.riskLevelRaw = "notARiskLevel";
     service.setStatus(ServiceStatus::warning);
+    service.isArchived = true;
     service.secretKeychainID = ServiceRecord::makeSecretKeychainID();
     service.apiKeyKeychainID = ServiceRecord::makeAPIKeyKeychainID();
     Organization* owner = store.organization(organizationId);
-    const ServiceRecord& inserted = store.insert(service, *owner);
+    store.insert(service, *owner);
     ServiceRecord undated = ServiceRecord::created(utc(2024, 2, 3));
     undated.title = "Undated";
-    const Uuid undatedId = store.insert(undated, *owner).id;
+    store.insert(undated, *owner);
 
     ShareRecord share;
     share.id = Uuid::generate();
-    share.serviceIDs = {inserted.id, undatedId};
+    share.serviceIDs = {service.id, undated.id};
     share.recipientLabel = "New agency";
     share.notes = "Handover";
     share.includesSecrets = true;
@@ -81,69 +104,17 @@ TEST_F(DataStorePersistenceTest, EveryFieldSurvivesReopening) {
     DataStore& reopened = reopen();
     Organization* loaded = reopened.organization(organizationId);
     ASSERT_NE(loaded, nullptr);
-    EXPECT_EQ(loaded->name, organization.name);
-    EXPECT_EQ(loaded->projectName, organization.projectName);
-    EXPECT_EQ(loaded->contactName, organization.contactName);
-    EXPECT_EQ(loaded->contactEmail, organization.contactEmail);
-    EXPECT_EQ(loaded->contactPhone, organization.contactPhone);
-    EXPECT_EQ(loaded->website, organization.website);
-    EXPECT_EQ(loaded->notes, organization.notes);
-    EXPECT_EQ(loaded->tags, organization.tags);
-    EXPECT_EQ(loaded->isActive, false);
-    EXPECT_EQ(loaded->isArchived, false);
-    EXPECT_EQ(loaded->isFavorite, true);
-    EXPECT_EQ(loaded->createdAt, organization.createdAt);
-    EXPECT_EQ(loaded->updatedAt, organization.updatedAt);
+    EXPECT_EQ(fields(*loaded), fields(organization));
     ASSERT_EQ(loaded->services.size(), 2u);
-    EXPECT_EQ(loaded->services[1]->id, undatedId); // relationship order kept
-
-    const ServiceRecord& s = *loaded->services[0];
-    EXPECT_EQ(s.organization, loaded);
-    EXPECT_EQ(s.id, service.id);
-    EXPECT_EQ(s.serviceTypeRaw, "sshAccess");
-    EXPECT_EQ(s.title, service.title);
-    EXPECT_EQ(s.provider, service.provider);
-    EXPECT_EQ(s.hostname, service.hostname);
-    EXPECT_EQ(s.domain, service.domain);
-    EXPECT_EQ(s.ipAddress, service.ipAddress);
-    EXPECT_EQ(s.loginURL, service.loginURL);
-    EXPECT_EQ(s.username, service.username);
-    EXPECT_EQ(s.emailAddress, service.emailAddress);
-    EXPECT_EQ(s.port, 2222);
-    EXPECT_EQ(s.sshKeyReference, service.sshKeyReference);
-    EXPECT_EQ(s.purchaseDate, service.purchaseDate);
-    EXPECT_EQ(s.renewalDate, service.renewalDate);
-    EXPECT_EQ(s.expirationDate, service.expirationDate);
-    EXPECT_EQ(s.billingCycleRaw, "triennial");
-    EXPECT_EQ(s.monthlyCost.toString(), "0.1");
-    EXPECT_EQ(s.yearlyCost.toString(), "1234567890.123456789");
-    EXPECT_TRUE(s.autoRenew);
-    EXPECT_EQ(s.tags, service.tags);
-    EXPECT_EQ(s.notes, service.notes);
-    EXPECT_EQ(s.riskLevelRaw, "notARiskLevel"); // unknown raw values are kept as they are
-    EXPECT_EQ(s.statusRaw, "warning");
-    EXPECT_EQ(s.createdAt, service.createdAt);
-    EXPECT_EQ(s.updatedAt, service.updatedAt);
-    EXPECT_EQ(s.secretKeychainID, service.secretKeychainID);
-    EXPECT_EQ(s.apiKeyKeychainID, service.apiKeyKeychainID);
-    const ServiceRecord& u = *loaded->services[1];
-    EXPECT_FALSE(u.port);
-    EXPECT_FALSE(u.purchaseDate);
-    EXPECT_FALSE(u.expirationDate);
-
+    EXPECT_EQ(fields(*loaded->services[0]), fields(service)); // relationship order kept
+    EXPECT_EQ(fields(*loaded->services[1]), fields(undated));
+    EXPECT_EQ(loaded->services[0]->organization, loaded);
+    // Exact decimals, and unknown raw values kept as they are.
+    EXPECT_EQ(loaded->services[0]->yearlyCost.toString(), "1234567890.123456789");
+    EXPECT_EQ(loaded->services[0]->riskLevelRaw, "notARiskLevel");
     ASSERT_EQ(loaded->shareHistory.size(), 1u);
-    const ShareRecord& h = *loaded->shareHistory[0];
-    EXPECT_EQ(h.organization, loaded);
-    EXPECT_EQ(h.id, share.id);
-    EXPECT_EQ(h.serviceIDs, share.serviceIDs);
-    EXPECT_EQ(h.recipientLabel, share.recipientLabel);
-    EXPECT_EQ(h.notes, share.notes);
-    EXPECT_TRUE(h.includesSecrets);
-    EXPECT_EQ(h.redactedFields, share.redactedFields);
-    EXPECT_EQ(h.expirationDate, share.expirationDate);
-    EXPECT_TRUE(h.isRevoked);
-    EXPECT_EQ(h.sharedAt, share.sharedAt);
-    EXPECT_EQ(h.shareMethodRaw, share.shareMethodRaw);
+    EXPECT_EQ(fields(*loaded->shareHistory[0]), fields(share));
+    EXPECT_EQ(loaded->shareHistory[0]->organization, loaded);
 }
 
 TEST_F(DataStorePersistenceTest, SaveWritesOnlyWhatChanged) {

@@ -25,6 +25,7 @@ template <typename Record> std::vector<std::string> titles(const std::vector<Rec
 }
 
 using Names = std::vector<std::string>;
+using Services = std::vector<ServiceRecord*>;
 
 class DataStoreQueryTest : public VaultFixture {
 protected:
@@ -45,20 +46,17 @@ TEST_F(DataStoreQueryTest, ListsFollowLocalizedOrderCaseInsensitiveWithNumbersBy
     EXPECT_EQ(titles(store().fetchOrganizations()), (Names{"Alpha", "beta 9", "Beta 10", "zeta"}));
 
     // A rename moves the record to its new place.
-    owner.name = "Aardvark";
-    store().noteChanged(owner);
+    change(owner, [](Organization& o) { o.name = "Aardvark"; });
     EXPECT_EQ(store().fetchOrganizations().front(), &owner);
 }
 
 TEST_F(DataStoreQueryTest, ArchivedAndFavoriteFilters) {
     Organization& plain = addOrganization("Plain");
-    Organization& favorite = addOrganization("Favorite");
-    favorite.isFavorite = true;
-    Organization& archivedFavorite = addOrganization("Archived favorite");
-    archivedFavorite.isFavorite = true;
-    archivedFavorite.isArchived = true;
-    store().noteChanged(favorite);
-    store().noteChanged(archivedFavorite);
+    change(addOrganization("Favorite"), [](Organization& o) { o.isFavorite = true; });
+    change(addOrganization("Archived favorite"), [](Organization& o) {
+        o.isFavorite = true;
+        o.isArchived = true;
+    });
 
     EXPECT_EQ(titles(store().fetchOrganizations()), (Names{"Favorite", "Plain"}));
     EXPECT_EQ(titles(store().fetchOrganizations(true)),
@@ -67,10 +65,8 @@ TEST_F(DataStoreQueryTest, ArchivedAndFavoriteFilters) {
     EXPECT_EQ(titles(store().fetchArchivedOrganizations()), (Names{"Archived favorite"}));
 
     ServiceRecord& kept = addService(plain, "Kept");
-    ServiceRecord& archived = addService(plain, "Archived");
-    archived.isArchived = true;
-    store().noteChanged(archived);
-    EXPECT_EQ(store().fetchAllServices(), (std::vector<ServiceRecord*>{&kept}));
+    change(addService(plain, "Archived"), [](ServiceRecord& s) { s.isArchived = true; });
+    EXPECT_EQ(store().fetchAllServices(), (Services{&kept}));
     EXPECT_EQ(store().fetchAllServices(true).size(), 2u);
 }
 
@@ -79,11 +75,10 @@ TEST_F(DataStoreQueryTest, ExpiringSoonAndExpiredWindows) {
     Organization& owner = addOrganization("Owner");
     const Instant now = m_clock.now();
     const auto dated = [&](const std::string& title, Instant when, bool archived = false) {
-        ServiceRecord& service = addService(owner, title);
-        service.expirationDate = when;
-        service.isArchived = archived;
-        store().noteChanged(service);
-        return &service;
+        return &change(addService(owner, title), [&](ServiceRecord& s) {
+            s.expirationDate = when;
+            s.isArchived = archived;
+        });
     };
     ServiceRecord* hourAgo = dated("expired an hour ago", now - 1h);
     ServiceRecord* monthAgo = dated("expired a month ago", now - 24h * 31);
@@ -95,34 +90,31 @@ TEST_F(DataStoreQueryTest, ExpiringSoonAndExpiredWindows) {
     dated("archived expired", now - 1h, true);
     addService(owner, "undated");
 
-    EXPECT_EQ(store().fetchExpiringSoon(30),
-              (std::vector<ServiceRecord*>{tomorrow, almost30, exactly30}));
-    EXPECT_EQ(store().fetchExpiringSoon(3), (std::vector<ServiceRecord*>{tomorrow}));
-    EXPECT_EQ(store().fetchExpired(), (std::vector<ServiceRecord*>{monthAgo, hourAgo}));
+    EXPECT_EQ(store().fetchExpiringSoon(30), (Services{tomorrow, almost30, exactly30}));
+    EXPECT_EQ(store().fetchExpiringSoon(3), (Services{tomorrow}));
+    EXPECT_EQ(store().fetchExpired(), (Services{monthAgo, hourAgo}));
 
     // Time passes: tomorrow's service expires, and the windows move with the clock.
     m_clock.advance(48h);
-    EXPECT_EQ(store().fetchExpired(), (std::vector<ServiceRecord*>{monthAgo, hourAgo, tomorrow}));
+    EXPECT_EQ(store().fetchExpired(), (Services{monthAgo, hourAgo, tomorrow}));
 
     // Renewing (a new date) and archiving take a service out of the expired list.
-    hourAgo->expirationDate = m_clock.now() + 24h * 365;
-    store().noteChanged(*hourAgo);
-    monthAgo->isArchived = true;
-    store().noteChanged(*monthAgo);
-    EXPECT_EQ(store().fetchExpired(), (std::vector<ServiceRecord*>{tomorrow}));
+    change(*hourAgo, [&](ServiceRecord& s) { s.expirationDate = m_clock.now() + 24h * 365; });
+    change(*monthAgo, [](ServiceRecord& s) { s.isArchived = true; });
+    EXPECT_EQ(store().fetchExpired(), (Services{tomorrow}));
 }
 
 TEST_F(DataStoreQueryTest, ExpiringSoonCountsCalendarDaysAcrossDaylightSaving) {
     // Berlin moves its clocks forward on 30 March 2025: 30 calendar days from 20 March noon is
     // 19 April noon local time, one hour less than 30 × 24 hours later.
     Organization& owner = addOrganization("Owner");
-    ServiceRecord& service = addService(owner, "lands on the last local noon");
-    service.expirationDate = m_clock.now() + 24h * 30 - 1h;
-    store().noteChanged(service);
-    ServiceRecord& later = addService(owner, "a minute after");
-    later.expirationDate = m_clock.now() + 24h * 30 - 59min;
-    store().noteChanged(later);
-    EXPECT_EQ(store().fetchExpiringSoon(30), (std::vector<ServiceRecord*>{&service}));
+    const Instant now = m_clock.now();
+    ServiceRecord& lastNoon =
+        change(addService(owner, "lands on the last local noon"),
+               [&](ServiceRecord& s) { s.expirationDate = now + 24h * 30 - 1h; });
+    change(addService(owner, "a minute after"),
+           [&](ServiceRecord& s) { s.expirationDate = now + 24h * 30 - 59min; });
+    EXPECT_EQ(store().fetchExpiringSoon(30), (Services{&lastNoon}));
 }
 
 TEST_F(DataStoreQueryTest, SharesNewestFirst) {
@@ -143,28 +135,27 @@ TEST_F(DataStoreQueryTest, SharesNewestFirst) {
 }
 
 TEST_F(DataStoreQueryTest, SearchMatchesEveryFieldCaseInsensitively) {
-    Organization& acme = addOrganization("Acme Ltd");
-    acme.projectName = "Relaunch";
-    store().noteChanged(acme);
+    Organization& acme =
+        change(addOrganization("Acme Ltd"), [](Organization& o) { o.projectName = "Relaunch"; });
     Organization& other = addOrganization("Other");
     ServiceRecord& ofAcme = addService(acme, "Mail server");
-    ServiceRecord& tagged = addService(other, "Web");
-    tagged.tags = {"backup", "acme-prod"};
-    tagged.provider = "Hetzner";
-    tagged.hostname = "db1.internal";
-    tagged.ipAddress = "10.0.0.7";
-    tagged.username = "deploy";
-    tagged.emailAddress = "ops@straße.example";
-    tagged.notes = "Renew before Easter";
-    tagged.setServiceType(ServiceType::domainRegistrar);
-    store().noteChanged(tagged);
-    ServiceRecord& plain = addService(other, "Plain");
+    ServiceRecord& tagged = change(addService(other, "Web"), [](ServiceRecord& s) {
+        s.tags = {"backup", "acme-prod"};
+        s.provider = "Hetzner";
+        s.hostname = "db1.internal";
+        s.ipAddress = "10.0.0.7";
+        s.username = "deploy";
+        s.emailAddress = "ops@straße.example";
+        s.notes = "Renew before Easter";
+        s.setServiceType(ServiceType::domainRegistrar);
+    });
+    addService(other, "Plain");
 
-    EXPECT_EQ(store().search("ACME"), (std::vector<ServiceRecord*>{&ofAcme, &tagged}));
-    EXPECT_EQ(store().search("relaunch"), (std::vector<ServiceRecord*>{&ofAcme}));
+    EXPECT_EQ(store().search("ACME"), (Services{&ofAcme, &tagged}));
+    EXPECT_EQ(store().search("relaunch"), (Services{&ofAcme}));
     for (const char* query : {"hetz", "DB1.", "0.0.7", "DEPLOY", "STRASSE", "easter", "backup",
                               "domainregistrar", "registrar"}) {
-        EXPECT_EQ(store().search(query), (std::vector<ServiceRecord*>{&tagged})) << query;
+        EXPECT_EQ(store().search(query), (Services{&tagged})) << query;
     }
     EXPECT_TRUE(store().search("").empty());
     EXPECT_TRUE(store().search("nowhere").empty());
@@ -172,18 +163,13 @@ TEST_F(DataStoreQueryTest, SearchMatchesEveryFieldCaseInsensitively) {
     EXPECT_TRUE(store().search("domain registrar").empty());
     // No match across the boundary of two fields (the title "Web", then the provider).
     EXPECT_TRUE(store().search("webhetzner").empty());
-    (void)plain;
 
     // Archived services are never found; the search text follows edits.
-    tagged.isArchived = true;
-    store().noteChanged(tagged);
-    EXPECT_EQ(store().search("acme"), (std::vector<ServiceRecord*>{&ofAcme}));
-    ofAcme.title = "Renamed";
-    ofAcme.provider = "Fastmail";
-    store().noteChanged(ofAcme);
-    EXPECT_EQ(store().search("fastmail"), (std::vector<ServiceRecord*>{&ofAcme}));
-    acme.name = "Zenith";
-    store().noteChanged(acme);
+    change(tagged, [](ServiceRecord& s) { s.isArchived = true; });
+    EXPECT_EQ(store().search("acme"), (Services{&ofAcme}));
+    change(ofAcme, [](ServiceRecord& s) { s.provider = "Fastmail"; });
+    EXPECT_EQ(store().search("fastmail"), (Services{&ofAcme}));
+    change(acme, [](Organization& o) { o.name = "Zenith"; });
     EXPECT_TRUE(store().search("acme").empty());
 }
 
@@ -232,23 +218,20 @@ TEST_F(DataStoreQueryTest, SearchIsAccentSensitiveButIgnoresHowAnAccentIsEncoded
     Organization& owner = addOrganization("Owner");
     ServiceRecord& composed = addService(owner, "Caf\xc3\xa9 Noir"); // é as one code point
     ServiceRecord& plain = addService(owner, "Cafe Blanc");
-    EXPECT_EQ(store().search("CAFE\xcc\x81"), (std::vector<ServiceRecord*>{&composed})); // e + ◌́
-    EXPECT_EQ(store().search("caf\xc3\x89"), (std::vector<ServiceRecord*>{&composed}));  // É
-    EXPECT_EQ(store().search("cafe "), (std::vector<ServiceRecord*>{&plain}));
+    EXPECT_EQ(store().search("CAFE\xcc\x81"), (Services{&composed})); // e + ◌́
+    EXPECT_EQ(store().search("caf\xc3\x89"), (Services{&composed}));  // É
+    EXPECT_EQ(store().search("cafe "), (Services{&plain}));
 }
 
 TEST_F(DataStoreQueryTest, SearchOrganizationsMatchesItsOwnFields) {
-    Organization& byContact = addOrganization("Northwind");
-    byContact.contactName = "Greta Berg";
-    byContact.tags = {"retainer"};
-    byContact.notes = "Pays late";
-    store().noteChanged(byContact);
-    Organization& byProject = addOrganization("Bluebird");
-    byProject.projectName = "Greta's shop";
-    store().noteChanged(byProject);
-    Organization& archived = addOrganization("Greta Archived");
-    archived.isArchived = true;
-    store().noteChanged(archived);
+    Organization& byContact = change(addOrganization("Northwind"), [](Organization& o) {
+        o.contactName = "Greta Berg";
+        o.tags = {"retainer"};
+        o.notes = "Pays late";
+    });
+    Organization& byProject = change(addOrganization("Bluebird"),
+                                     [](Organization& o) { o.projectName = "Greta's shop"; });
+    change(addOrganization("Greta Archived"), [](Organization& o) { o.isArchived = true; });
 
     EXPECT_EQ(store().searchOrganizations("GRETA"),
               (std::vector<Organization*>{&byProject, &byContact}));
@@ -256,36 +239,28 @@ TEST_F(DataStoreQueryTest, SearchOrganizationsMatchesItsOwnFields) {
     EXPECT_EQ(store().searchOrganizations("late"), (std::vector<Organization*>{&byContact}));
     EXPECT_TRUE(store().searchOrganizations("").empty());
     // The website and e-mail are not searched.
-    byContact.website = "https://unique.example";
-    store().noteChanged(byContact);
+    change(byContact, [](Organization& o) { o.website = "https://unique.example"; });
     EXPECT_TRUE(store().searchOrganizations("unique").empty());
 }
 
 TEST_F(DataStoreQueryTest, TotalsSkipArchivedOrganizationsAndServicesAndFollowChanges) {
     Organization& live = addOrganization("Live");
     Organization& archivedOrg = addOrganization("Archived org");
-    ServiceRecord& monthly = addService(live, "Monthly 15");
-    monthly.monthlyCost = Decimal(15);
-    store().noteChanged(monthly);
-    ServiceRecord& biennial = addService(live, "Biennial 240");
-    biennial.yearlyCost = Decimal(240);
-    biennial.setBillingCycle(BillingCycle::biennial);
-    store().noteChanged(biennial);
-    ServiceRecord& archivedService = addService(live, "Archived");
-    archivedService.monthlyCost = Decimal(1000);
-    archivedService.isArchived = true;
-    store().noteChanged(archivedService);
-    ServiceRecord& inArchivedOrg = addService(archivedOrg, "In archived org");
-    inArchivedOrg.monthlyCost = Decimal(7);
-    store().noteChanged(inArchivedOrg);
-    archivedOrg.isArchived = true;
-    store().noteChanged(archivedOrg);
-    ServiceRecord& warning = addService(live, "Unknown status");
-    warning.statusRaw = "somethingNew";
-    store().noteChanged(warning);
-    ServiceRecord& expired = addService(live, "Expired status");
-    expired.setStatus(ServiceStatus::expired);
-    store().noteChanged(expired);
+    const auto costing = [&](Organization& owner, const char* title, int monthly, int yearly) {
+        return &change(addService(owner, title), [&](ServiceRecord& s) {
+            s.monthlyCost = Decimal(monthly);
+            s.yearlyCost = Decimal(yearly);
+        });
+    };
+    ServiceRecord* monthly = costing(live, "Monthly 15", 15, 0);
+    change(*costing(live, "Biennial 240", 0, 240),
+           [](ServiceRecord& s) { s.setBillingCycle(BillingCycle::biennial); });
+    change(*costing(live, "Archived", 1000, 0), [](ServiceRecord& s) { s.isArchived = true; });
+    costing(archivedOrg, "In archived org", 7, 0);
+    change(archivedOrg, [](Organization& o) { o.isArchived = true; });
+    change(addService(live, "Unknown status"), [](ServiceRecord& s) { s.statusRaw = "new"; });
+    ServiceRecord& expired = change(addService(live, "Expired status"),
+                                    [](ServiceRecord& s) { s.setStatus(ServiceStatus::expired); });
 
     // 15 + 240/24; 15×12 + 240.
     EXPECT_EQ(store().totalMonthlyCost(), Decimal(25));
@@ -293,39 +268,27 @@ TEST_F(DataStoreQueryTest, TotalsSkipArchivedOrganizationsAndServicesAndFollowCh
     // Active: monthly, biennial, the unknown status and the service of the archived organization.
     EXPECT_EQ(store().totalActiveServices(), 4u);
 
-    monthly.monthlyCost = *Decimal::fromString("15.5");
-    store().noteChanged(monthly);
+    change(*monthly, [](ServiceRecord& s) { s.monthlyCost = *Decimal::fromString("15.5"); });
     EXPECT_EQ(store().totalMonthlyCost(), *Decimal::fromString("25.5"));
-    archivedOrg.isArchived = false;
-    store().noteChanged(archivedOrg);
+    change(archivedOrg, [](Organization& o) { o.isArchived = false; });
     EXPECT_EQ(store().totalMonthlyCost(), *Decimal::fromString("32.5"));
     EXPECT_EQ(store().totalYearlyCost(), Decimal(510));
-    expired.setStatus(ServiceStatus::active);
-    store().noteChanged(expired);
+    change(expired, [](ServiceRecord& s) { s.setStatus(ServiceStatus::active); });
     EXPECT_EQ(store().totalActiveServices(), 5u);
 
-    store().deleteService(monthly);
-    EXPECT_EQ(store().totalMonthlyCost(), Decimal(17));
-    EXPECT_EQ(store().totalActiveServices(), 4u);
-}
-
-TEST_F(DataStoreQueryTest, MovingAServiceKeepsBothOrganizationsInStep) {
-    Organization& from = addOrganization("From");
-    Organization& to = addOrganization("To");
-    ServiceRecord& service = addService(from, "Moving");
-    service.monthlyCost = Decimal(10);
-    store().noteChanged(service);
-    ServiceRecord& stays = addService(from, "Stays");
+    // Moving a service keeps both organizations in step.
+    store().moveService(*monthly, archivedOrg);
+    EXPECT_EQ(monthly->organization, &archivedOrg);
+    EXPECT_EQ(archivedOrg.services.back(), monthly);
+    EXPECT_EQ(live.monthlyCost(), Decimal(10));
+    change(archivedOrg, [](Organization& o) { o.isArchived = true; });
     EXPECT_EQ(store().totalMonthlyCost(), Decimal(10));
 
-    store().moveService(service, to);
-    EXPECT_EQ(service.organization, &to);
-    EXPECT_EQ(from.services, (std::vector<ServiceRecord*>{&stays}));
-    EXPECT_EQ(to.services, (std::vector<ServiceRecord*>{&service}));
-    EXPECT_EQ(from.monthlyCost(), Decimal(0));
-    to.isArchived = true;
-    store().noteChanged(to);
-    EXPECT_EQ(store().totalMonthlyCost(), Decimal(0));
+    store().deleteService(*monthly);
+    EXPECT_EQ(archivedOrg.services.size(), 1u);
+    EXPECT_EQ(store().totalActiveServices(), 4u);
+    change(archivedOrg, [](Organization& o) { o.isArchived = false; });
+    EXPECT_EQ(store().totalMonthlyCost(), Decimal(17));
 }
 
 TEST_F(DataStoreQueryTest, ObserversHearOfEveryChange) {
@@ -333,8 +296,7 @@ TEST_F(DataStoreQueryTest, ObserversHearOfEveryChange) {
     store().changed.connect([&] { ++notified; });
     Organization& owner = addOrganization("Owner");
     ServiceRecord& service = addService(owner, "Service");
-    service.title = "Renamed";
-    store().noteChanged(service);
+    change(service, [](ServiceRecord& s) { s.title = "Renamed"; });
     store().deleteService(service);
     EXPECT_EQ(notified, 4);
 }

@@ -3,10 +3,6 @@
 
 #include "VaultFixture.h"
 
-#include <sys/wait.h>
-
-#include <cstdio>
-
 namespace vorlane::testing {
 namespace {
 
@@ -21,22 +17,17 @@ protected:
         ASSERT_TRUE(db.execute("UPDATE vault_meta SET value = '3.0.0'"));
     }
 
-    // Runs vorlane without a display; returns its exit status and what it wrote to stderr.
-    std::pair<int, std::string> startProgram(const std::string& environment,
-                                             const std::string& arguments) {
-        const std::string errPath = m_folder + "/stderr.txt";
-        const std::string command = "env -u DISPLAY -u WAYLAND_DISPLAY QT_QPA_PLATFORM=offscreen " +
-                                    environment + " " + VORLANE_APP + " " + arguments + " 2>" +
-                                    errPath + " </dev/null";
-        const int status = std::system(command.c_str());
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, fileBytes(errPath)};
+    // Runs vorlane without a display.
+    static CommandRun startProgram(const std::string& environment, const std::string& arguments) {
+        return runCommand("env -u DISPLAY -u WAYLAND_DISPLAY QT_QPA_PLATFORM=offscreen " +
+                          environment + " " + VORLANE_APP + " " + arguments);
     }
 };
 
 TEST_F(ProgramStartTest, ABadVaultEndsTheProgramAndStaysUntouched) {
     makeNewerVault();
     const std::string before = fileBytes(m_path);
-    const auto [status, err] = startProgram("", "--vault '" + m_path + "'");
+    const auto [status, out, err] = startProgram("", "--vault " + shellWord(m_path));
     EXPECT_EQ(status, 1);
     EXPECT_EQ(err, "Failed to initialize data store: " + m_path +
                        " was written by a newer version of Vorlane (schema 3.0.0); this version "
@@ -48,7 +39,8 @@ TEST_F(ProgramStartTest, TheDataFolderVariableChoosesTheVault) {
     std::filesystem::create_directory(m_folder + "/data");
     m_path = m_folder + "/data/vault.sqlite";
     std::ofstream(m_path) << "plain text, not a vault";
-    const auto [status, err] = startProgram("VORLANE_DATA_DIR='" + m_folder + "/data'", "");
+    const auto [status, out, err] =
+        startProgram("VORLANE_DATA_DIR=" + shellWord(m_folder + "/data"), "");
     EXPECT_EQ(status, 1);
     EXPECT_EQ(err, "Failed to initialize data store: " + m_path + " is not a Vorlane vault\n");
     EXPECT_EQ(fileBytes(m_path), "plain text, not a vault");

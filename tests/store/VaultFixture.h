@@ -6,6 +6,7 @@
 #include "LibsecretBackend.h"
 #include "ManualClock.h"
 #include "ManualTimers.h"
+#include "RunCommand.h"
 #include "TestTime.h"
 #include "secrets/KeychainManager.h"
 #include "store/DataStore.h"
@@ -17,7 +18,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <memory>
 #include <string>
 
@@ -61,10 +61,7 @@ protected:
         return std::move(*connection);
     }
 
-    static std::string fileBytes(const std::string& path) {
-        std::ifstream in(path, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(in), {});
-    }
+    static std::string fileBytes(const std::string& path) { return readFile(path); }
 
     Organization& addOrganization(const std::string& name) {
         Organization organization = Organization::created(m_clock.now());
@@ -76,6 +73,13 @@ protected:
         ServiceRecord service = ServiceRecord::created(m_clock.now());
         service.title = title;
         return m_store->insert(std::move(service), owner);
+    }
+
+    // Edits a record and tells the store, as the editing views do.
+    template <typename Record, typename Edit> Record& change(Record& record, Edit edit) {
+        edit(record);
+        m_store->noteChanged(record);
+        return record;
     }
 
     std::string m_folder;
