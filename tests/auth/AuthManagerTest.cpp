@@ -40,15 +40,6 @@ TEST(AuthManagerTest, LockingTwiceNotifiesOnce) {
     EXPECT_EQ(manager.lastAuthDate(), std::nullopt);
 }
 
-TEST(AuthManagerTest, LockingWhenAlreadyLockedStaysSilent) {
-    AuthManager manager;
-    int notifications = 0;
-    manager.isAuthenticatedChanged.connect([&](bool) { ++notifications; });
-    manager.lastAuthDateChanged.connect([&](std::optional<Instant>) { ++notifications; });
-    manager.lock();
-    EXPECT_EQ(notifications, 0);
-}
-
 TEST(AuthManagerTest, WithoutAPlatformEveryRequestIsRefused) {
     AuthManager manager;
     std::vector<bool> replies;

@@ -69,19 +69,6 @@ TEST(PasswordPromptDialogTest, TypedPasswordIsHandedOverOnEnterAndLeavesTheField
     EXPECT_TRUE(field->text().isEmpty());
 }
 
-TEST(PasswordPromptDialogTest, EscapeCancels) {
-    PasswordPromptDialog dialog("Reveal API key for Hosting", "Use Password", "Cancel");
-    dialog.show();
-    QSignalSpy rejected(&dialog, &QDialog::rejected);
-    QSignalSpy confirmed(&dialog, &PasswordPromptDialog::entryConfirmed);
-    dialog.ask("Password: ", false);
-    QTest::keyClicks(dialog.findChild<QLineEdit*>(), "half typed");
-    QTest::keyClick(&dialog, Qt::Key_Escape);
-    EXPECT_EQ(rejected.count(), 1);
-    EXPECT_EQ(confirmed.count(), 0);
-    EXPECT_FALSE(dialog.isVisible());
-}
-
 TEST(PasswordPromptDialogTest, WhilePamWaitsForAFingerTheFallbackLetsThePasswordGoAhead) {
     PasswordPromptDialog dialog("Reveal password for Mail server", "Use Password", "Cancel");
     dialog.show();
@@ -152,31 +139,26 @@ protected:
     QMainWindow m_window;
 };
 
-TEST_F(VaultLockEndToEndTest, TypingTheRightPasswordRevealsAndTheDialogGoesAway) {
-    std::optional<bool> reply;
-    m_manager.authenticateForSensitiveAction("Reveal password for Mail server",
-                                             [&](bool ok) { reply = ok; });
-    QPointer<PasswordPromptDialog> dialog = waitForDialog();
-    ASSERT_TRUE(dialog);
-    EXPECT_EQ(dialog->windowModality(), Qt::WindowModal);
-    EXPECT_TRUE(showsText(*dialog, "Reveal password for Mail server"));
+TEST_F(VaultLockEndToEndTest, OnlyTheRightPasswordRevealsAndTheDialogGoesAway) {
+    for (const auto& [typed, expected] :
+         {std::pair{"battery staple", false}, std::pair{"correct horse", true}}) {
+        SCOPED_TRACE(typed);
+        // The offscreen platform does not hand activation back when a dialog closes, as a
+        // window manager would; the prompt sits on whatever window is active.
+        QApplication::setActiveWindow(&m_window);
+        std::optional<bool> reply;
+        m_manager.authenticateForSensitiveAction("Reveal password for Mail server",
+                                                 [&](bool ok) { reply = ok; });
+        QPointer<PasswordPromptDialog> dialog = waitForDialog();
+        ASSERT_TRUE(dialog);
+        EXPECT_EQ(dialog->windowModality(), Qt::WindowModal);
+        EXPECT_TRUE(showsText(*dialog, "Reveal password for Mail server"));
 
-    QTest::keyClicks(dialog->findChild<QLineEdit*>(), "correct horse");
-    QTest::keyClick(dialog->findChild<QLineEdit*>(), Qt::Key_Return);
-
-    EXPECT_EQ(waitForReply(reply), true);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return dialog.isNull(); }, 5000));
-}
-
-TEST_F(VaultLockEndToEndTest, WrongPasswordRevealsNothing) {
-    std::optional<bool> reply;
-    m_manager.authenticateForSensitiveAction("Reveal password for Mail server",
-                                             [&](bool ok) { reply = ok; });
-    PasswordPromptDialog* dialog = waitForDialog();
-    ASSERT_NE(dialog, nullptr);
-    QTest::keyClicks(dialog->findChild<QLineEdit*>(), "battery staple");
-    QTest::keyClick(dialog->findChild<QLineEdit*>(), Qt::Key_Return);
-    EXPECT_EQ(waitForReply(reply), false);
+        QTest::keyClicks(dialog->findChild<QLineEdit*>(), typed);
+        QTest::keyClick(dialog->findChild<QLineEdit*>(), Qt::Key_Return);
+        EXPECT_EQ(waitForReply(reply), expected);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return dialog.isNull(); }, 5000));
+    }
 }
 
 TEST_F(VaultLockEndToEndTest, EscapeAnswersFalseAtOnce) {
