@@ -85,11 +85,6 @@ TEST_F(OrganizationTest, ServiceListsFollowStatusArchiveAndExpirationRules) {
     EXPECT_EQ(organization.nextExpiration(calendar), clock.now() + 3 * 24h);
 }
 
-TEST_F(OrganizationTest, OnlyExpiredDatesMeansNoNextExpiration) {
-    addService().expirationDate = clock.now() - 24h;
-    EXPECT_FALSE(organization.nextExpiration(calendar).has_value());
-}
-
 TEST(OrganizationInitialsTest, FirstLettersOfTheFirstTwoWords) {
     const auto initials = [](std::string name) {
         Organization organization;

@@ -19,25 +19,30 @@ ServiceRecord serviceCosting(std::string_view monthly, std::string_view yearly,
 }
 
 TEST(ServiceRecordTest, EffectiveMonthlyCostSpreadsTheYearlyAmountByCycle) {
-    EXPECT_EQ(serviceCosting("0", "240", BillingCycle::biennial).effectiveMonthlyCost().toString(),
-              "10");
-    EXPECT_EQ(serviceCosting("0", "240", BillingCycle::quarterly).effectiveMonthlyCost().toString(),
-              "20");
-    EXPECT_EQ(
-        serviceCosting("0", "240", BillingCycle::semiAnnual).effectiveMonthlyCost().toString(),
-        "20");
-    EXPECT_EQ(serviceCosting("0", "360", BillingCycle::triennial).effectiveMonthlyCost().toString(),
-              "10");
-    EXPECT_TRUE(serviceCosting("0", "240", BillingCycle::oneTime).effectiveMonthlyCost().isZero());
-    EXPECT_TRUE(serviceCosting("0", "240", BillingCycle::none).effectiveMonthlyCost().isZero());
-    EXPECT_EQ(serviceCosting("0", "100", BillingCycle::annual).effectiveMonthlyCost().toString(),
-              "8.3333333333333333333333333333333333333");
-    // A positive monthly amount wins whatever the cycle and the yearly amount say.
-    EXPECT_EQ(serviceCosting("15", "999", BillingCycle::biennial).effectiveMonthlyCost().toString(),
-              "15");
-}
-
-TEST(ServiceRecordTest, UnknownBillingCycleCostsNothingPerMonth) {
+    const struct {
+        const char* monthly;
+        const char* yearly;
+        BillingCycle::Value cycle;
+        const char* expected;
+    } rows[] = {
+        {"0", "240", BillingCycle::biennial, "10"},
+        {"0", "240", BillingCycle::quarterly, "20"},
+        {"0", "240", BillingCycle::semiAnnual, "20"},
+        {"0", "360", BillingCycle::triennial, "10"},
+        {"0", "240", BillingCycle::oneTime, "0"},
+        {"0", "240", BillingCycle::none, "0"},
+        {"0", "100", BillingCycle::annual, "8.3333333333333333333333333333333333333"},
+        // A positive monthly amount wins whatever the cycle and the yearly amount say.
+        {"15", "999", BillingCycle::biennial, "15"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.yearly) + " " +
+                     std::string(BillingCycle(row.cycle).rawValue()));
+        EXPECT_EQ(
+            serviceCosting(row.monthly, row.yearly, row.cycle).effectiveMonthlyCost().toString(),
+            row.expected);
+    }
+    // A raw value in the wrong case is no known cycle.
     ServiceRecord service = serviceCosting("0", "240", BillingCycle::annual);
     service.billingCycleRaw = "Annual";
     EXPECT_EQ(service.billingCycle(), BillingCycle::none);

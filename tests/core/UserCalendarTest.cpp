@@ -52,15 +52,6 @@ TEST(UserCalendarTest, AddingAMonthClampsToTheEndOfTheShorterMonth) {
               utc(2026, 3, 31, 16));
 }
 
-TEST(UserCalendarTest, ReportsItsZoneAndReadsItsClock) {
-    ManualClock clock(utc(2026, 11, 21, 9));
-    const UserCalendar calendar(clock, newYork);
-    EXPECT_EQ(calendar.timeZoneId(), newYork);
-    EXPECT_EQ(calendar.now(), utc(2026, 11, 21, 9));
-    clock.advance(90min);
-    EXPECT_EQ(calendar.daysFromNow(utc(2026, 11, 23, 10)), 1);
-}
-
 class ExpirationStateTest : public ::testing::Test {
 protected:
     ExpirationState stateAt(Instant expiration) {

@@ -74,16 +74,6 @@ TEST_F(VaultOpenFailureTest, RefusesFilesThatAreNotVaults) {
     expectRefused("is not a Vorlane vault");
 }
 
-TEST_F(VaultOpenFailureTest, RefusesANewerSchema) {
-    makeVault();
-    {
-        SqliteConnection db = raw();
-        ASSERT_TRUE(db.execute("UPDATE vault_meta SET value = '1.1.0'"));
-        ASSERT_TRUE(db.execute("PRAGMA wal_checkpoint(TRUNCATE)"));
-    }
-    expectRefused("newer version of Vorlane (schema 1.1.0)");
-}
-
 TEST_F(VaultOpenFailureTest, RefusesADamagedVault) {
     makeVault();
     std::string bytes = fileBytes(m_path);
@@ -125,7 +115,7 @@ TEST_F(VaultOpenFailureTest, RefusesAFileWithoutReadPermission) {
     ::chmod(m_path.c_str(), 0600);
 }
 
-TEST_F(VaultOpenFailureTest, ARefusedVaultIsStillThereAfterwards) {
+TEST_F(VaultOpenFailureTest, RefusesANewerSchemaAndTheVaultIsStillThereAfterwards) {
     makeVault();
     {
         SqliteConnection db = raw();
@@ -134,7 +124,7 @@ TEST_F(VaultOpenFailureTest, ARefusedVaultIsStillThereAfterwards) {
         ASSERT_TRUE(db.execute("UPDATE vault_meta SET value = '2.0.0'"));
     }
     ASSERT_TRUE(std::filesystem::exists(m_path + "-wal"));
-    expectRefused("newer version");
+    expectRefused("newer version of Vorlane (schema 2.0.0)");
     {
         SqliteConnection db = raw();
         ASSERT_TRUE(db.execute("UPDATE vault_meta SET value = '1.0.0'"));
