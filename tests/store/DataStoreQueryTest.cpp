@@ -256,7 +256,7 @@ TEST_F(DataStoreQueryTest, TotalsSkipArchivedOrganizationsAndServicesAndFollowCh
     change(*costing(live, "Biennial 240", 0, 240),
            [](ServiceRecord& s) { s.setBillingCycle(BillingCycle::biennial); });
     change(*costing(live, "Archived", 1000, 0), [](ServiceRecord& s) { s.isArchived = true; });
-    costing(archivedOrg, "In archived org", 7, 0);
+    ServiceRecord& inArchivedOrg = *costing(archivedOrg, "In archived org", 7, 0);
     change(archivedOrg, [](Organization& o) { o.isArchived = true; });
     change(addService(live, "Unknown status"), [](ServiceRecord& s) { s.statusRaw = "new"; });
     ServiceRecord& expired = change(addService(live, "Expired status"),
@@ -268,19 +268,23 @@ TEST_F(DataStoreQueryTest, TotalsSkipArchivedOrganizationsAndServicesAndFollowCh
     // Active: monthly, biennial, the unknown status and the service of the archived organization.
     EXPECT_EQ(store().totalActiveServices(), 4u);
 
+    change(expired, [](ServiceRecord& s) { s.setStatus(ServiceStatus::active); });
+    EXPECT_EQ(store().totalActiveServices(), 5u);
     change(*monthly, [](ServiceRecord& s) { s.monthlyCost = *Decimal::fromString("15.5"); });
     EXPECT_EQ(store().totalMonthlyCost(), *Decimal::fromString("25.5"));
     change(archivedOrg, [](Organization& o) { o.isArchived = false; });
     EXPECT_EQ(store().totalMonthlyCost(), *Decimal::fromString("32.5"));
     EXPECT_EQ(store().totalYearlyCost(), Decimal(510));
-    change(expired, [](ServiceRecord& s) { s.setStatus(ServiceStatus::active); });
-    EXPECT_EQ(store().totalActiveServices(), 5u);
 
-    // Moving a service keeps both organizations in step.
+    // Moving a service, right after the totals were worked out, keeps both organizations in
+    // step: lists, totals and search by organization name.
     store().moveService(*monthly, archivedOrg);
     EXPECT_EQ(monthly->organization, &archivedOrg);
     EXPECT_EQ(archivedOrg.services.back(), monthly);
     EXPECT_EQ(live.monthlyCost(), Decimal(10));
+    EXPECT_EQ(store().totalMonthlyCost(), *Decimal::fromString("32.5"));
+    EXPECT_EQ(store().search("archived org"), (Services{&inArchivedOrg, monthly}));
+    EXPECT_EQ(store().search("live").size(), 3u);
     change(archivedOrg, [](Organization& o) { o.isArchived = true; });
     EXPECT_EQ(store().totalMonthlyCost(), Decimal(10));
 
