@@ -4,7 +4,10 @@
 
 #include <sqlite3.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -106,13 +109,31 @@ TEST_F(VaultOpenFailureTest, RefusesWhatCannotBeRead) {
 }
 
 TEST_F(VaultOpenFailureTest, RefusesAFileWithoutReadPermission) {
-    if (::geteuid() == 0) {
-        GTEST_SKIP() << "running as root, who reads any file whatever its mode";
-    }
     makeVault();
-    ::chmod(m_path.c_str(), 0);
-    expectRefused("cannot read");
-    ::chmod(m_path.c_str(), 0600);
+    if (::geteuid() != 0) {
+        ::chmod(m_path.c_str(), 0);
+        expectRefused("cannot read");
+        ::chmod(m_path.c_str(), 0600);
+        return;
+    }
+    // Root reads any file whatever its mode, so the refusal is checked in a child that has
+    // become an ordinary user (nobody), for whom root's 0600 vault is unreadable.
+    const std::string before = fileBytes(m_path);
+    ::chmod(m_folder.c_str(), 0755);
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            constexpr uid_t nobody = 65534;
+            if (::setgid(nobody) != 0 || ::setuid(nobody) != 0) {
+                std::_Exit(3);
+            }
+            std::string error;
+            const auto store = DataStore::open(m_path, m_keychain, m_calendar, m_timers, error);
+            std::fprintf(stderr, "%s\n", error.c_str());
+            std::_Exit(store == nullptr && error.find("cannot read") != std::string::npos ? 0 : 1);
+        },
+        ::testing::ExitedWithCode(0), "cannot read");
+    EXPECT_EQ(fileBytes(m_path), before);
 }
 
 TEST_F(VaultOpenFailureTest, RefusesANewerSchemaAndTheVaultIsStillThereAfterwards) {
