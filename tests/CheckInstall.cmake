@@ -1,0 +1,27 @@
+# Installs BUILD_DIR into STAGE_DIR (as DESTDIR) and fails unless every installed piece is there.
+file(REMOVE_RECURSE "${STAGE_DIR}")
+execute_process(COMMAND ${CMAKE_COMMAND} -E env DESTDIR=${STAGE_DIR}
+                        ${CMAKE_COMMAND} --install ${BUILD_DIR}
+                RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+if(NOT result EQUAL 0)
+    message(FATAL_ERROR "cmake --install failed:\n${output}")
+endif()
+foreach(path "${PREFIX}/bin/vorlane" "${PREFIX}/bin/vorlane-cli"
+             "${PREFIX}/share/applications/vorlane.desktop" "${PAM_DIR}/vorlane")
+    if(NOT EXISTS "${STAGE_DIR}${path}")
+        message(FATAL_ERROR "not installed: ${path}")
+    endif()
+endforeach()
+file(READ "${STAGE_DIR}${PAM_DIR}/vorlane" installed)
+file(READ "${PAM_SOURCE}" source)
+if(NOT installed STREQUAL source)
+    message(FATAL_ERROR "${PAM_DIR}/vorlane differs from the packaged PAM service")
+endif()
+foreach(stack "@include common-auth" "@include common-account")
+    string(FIND "${installed}" "${stack}" found)
+    if(found EQUAL -1)
+        message(FATAL_ERROR "the PAM service lacks \"${stack}\"")
+    endif()
+endforeach()
+file(REMOVE_RECURSE "${STAGE_DIR}")
+message(STATUS "installed and checked under ${STAGE_DIR}")
