@@ -77,7 +77,9 @@ int Application::run(int argc, char* argv[]) {
         return 0;
     }
     if (parser.isSet(QStringLiteral("help"))) {
-        std::printf("%s", qPrintable(parser.helpText()));
+        // Without an application object Qt cannot know the program's name for the usage line.
+        std::printf("%s", qPrintable(parser.helpText().replace(QStringLiteral("<executable_name>"),
+                                                               QStringLiteral("vorlane"))));
         return 0;
     }
 
