@@ -5,6 +5,12 @@
 #include "model/ServiceRecord.h"
 
 #include <gtest/gtest.h>
+#include <unicode/basictz.h>
+#include <unicode/calendar.h>
+#include <unicode/locid.h>
+#include <unicode/tztrans.h>
+
+#include <memory>
 
 namespace vorlane {
 namespace {
@@ -100,6 +106,62 @@ TEST_F(ExpirationStateTest, DaysUntilExpirationGoesNegativeOncePassed) {
     EXPECT_EQ(service.daysUntilExpiration(calendar), -1);
     service.expirationDate = clock.now() + 36h;
     EXPECT_EQ(service.daysUntilExpiration(calendar), 1);
+}
+
+} // namespace
+} // namespace vorlane
+
+namespace vorlane {
+namespace {
+
+// Day counts must equal ICU's own calendar walk everywhere, above all close to a zone's
+// transitions, where a day is 23, 25, 23.5 or (Samoa, December 2011) no hours long.
+TEST(UserCalendarTest, DayCountsMatchTheCalendarWalkAroundEveryTransition) {
+    using namespace std::chrono;
+    testing::ManualClock clock;
+    for (const char* zoneId : {"America/New_York", "Australia/Lord_Howe", "Pacific/Apia",
+                               "Europe/London", "America/Santiago"}) {
+        SCOPED_TRACE(zoneId);
+        const UserCalendar calendar(clock, zoneId);
+        UErrorCode status = U_ZERO_ERROR;
+        std::unique_ptr<icu::Calendar> reference(icu::Calendar::createInstance(
+            icu::TimeZone::createTimeZone(zoneId), icu::Locale::getUS(), status));
+        ASSERT_TRUE(U_SUCCESS(status));
+        const auto walk = [&](Instant from, Instant to) {
+            UErrorCode walkStatus = U_ZERO_ERROR;
+            reference->setTime(static_cast<UDate>(from.time_since_epoch().count()), walkStatus);
+            return reference->fieldDifference(static_cast<UDate>(to.time_since_epoch().count()),
+                                              UCAL_DATE, walkStatus);
+        };
+
+        std::unique_ptr<icu::BasicTimeZone> zone(
+            dynamic_cast<icu::BasicTimeZone*>(icu::TimeZone::createTimeZone(zoneId)));
+        ASSERT_NE(zone, nullptr);
+        int transitions = 0;
+        for (const int year : {2011, 2026}) {
+            UDate cursor = static_cast<UDate>(testing::utc(year, 1, 1).time_since_epoch().count());
+            const UDate end =
+                static_cast<UDate>(testing::utc(year + 1, 1, 1).time_since_epoch().count());
+            icu::TimeZoneTransition transition;
+            while (zone->getNextTransition(cursor, false, transition) &&
+                   transition.getTime() < end) {
+                cursor = transition.getTime();
+                ++transitions;
+                const Instant at{milliseconds(static_cast<std::int64_t>(cursor))};
+                for (Instant from = at - 26h; from <= at + 26h; from += 20min) {
+                    for (const int days : {-3, -1, 0, 1, 2, 7}) {
+                        for (const int minutes : {-61, -31, -1, 0, 1, 29, 59}) {
+                            const Instant to = from + days * 24h + minutes * 1min;
+                            ASSERT_EQ(calendar.daysBetween(from, to), walk(from, to))
+                                << "from " << from.time_since_epoch().count() << " to "
+                                << to.time_since_epoch().count();
+                        }
+                    }
+                }
+            }
+        }
+        EXPECT_GT(transitions, 0);
+    }
 }
 
 } // namespace

@@ -5,6 +5,9 @@
 #include <unicode/timezone.h>
 #include <unicode/unistr.h>
 
+#include <climits>
+#include <cstdint>
+
 namespace vorlane {
 
 namespace {
@@ -50,6 +53,9 @@ std::string UserCalendar::timeZoneId() const {
 
 std::optional<int> UserCalendar::daysBetween(Instant from, Instant to) const {
     std::lock_guard lock(m_mutex);
+    if (const std::optional<int> days = confirmedDayEstimate(from, to)) {
+        return days;
+    }
     UErrorCode status = U_ZERO_ERROR;
     m_calendar->setTime(toUDate(from), status);
     // fieldDifference moves the calendar forward (or back) by whole days without passing `to`,
@@ -59,6 +65,50 @@ std::optional<int> UserCalendar::daysBetween(Instant from, Instant to) const {
         return std::nullopt;
     }
     return days;
+}
+
+std::optional<int> UserCalendar::confirmedDayEstimate(Instant from, Instant to) const {
+    // fieldDifference walks the calendar a day count at a time (some twenty steps for a date a
+    // year away), which makes it the cost of every expiration state. The difference of the two
+    // local wall-clock times gives the answer almost always; two exact calendar steps confirm it,
+    // and the rare case they do not (an hour skipped or repeated by a daylight-saving change at
+    // the wrong moment) is left to the full walk.
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::TimeZone& zone = m_calendar->getTimeZone();
+    std::int32_t fromRaw = 0;
+    std::int32_t fromDst = 0;
+    std::int32_t toRaw = 0;
+    std::int32_t toDst = 0;
+    zone.getOffset(toUDate(from), false, fromRaw, fromDst, status);
+    zone.getOffset(toUDate(to), false, toRaw, toDst, status);
+    if (U_FAILURE(status)) {
+        return std::nullopt;
+    }
+    constexpr std::int64_t dayMs = 24 * 60 * 60 * 1000;
+    const std::int64_t wallDifference = (to.time_since_epoch().count() + toRaw + toDst) -
+                                        (from.time_since_epoch().count() + fromRaw + fromDst);
+    const std::int64_t estimate = wallDifference / dayMs; // truncated toward zero, like the answer
+    if (estimate > INT32_MAX / 2 || estimate < INT32_MIN / 2) {
+        return std::nullopt;
+    }
+    const auto stepped = [&](std::int64_t days) -> std::optional<UDate> {
+        m_calendar->setTime(toUDate(from), status);
+        m_calendar->add(UCAL_DATE, static_cast<std::int32_t>(days), status);
+        const UDate date = m_calendar->getTime(status);
+        return U_SUCCESS(status) ? std::optional(date) : std::nullopt;
+    };
+    // The answer n is the day count that reaches `to` without passing it, while one day more
+    // (one day fewer, going back) would pass it.
+    const bool forward = to >= from;
+    const std::optional<UDate> reached = stepped(estimate);
+    const std::optional<UDate> beyond = stepped(forward ? estimate + 1 : estimate - 1);
+    if (!reached || !beyond) {
+        return std::nullopt;
+    }
+    const UDate target = toUDate(to);
+    const bool confirmed = forward ? (*reached <= target && *beyond > target)
+                                   : (*reached >= target && *beyond < target);
+    return confirmed ? std::optional(static_cast<int>(estimate)) : std::nullopt;
 }
 
 std::optional<Instant> UserCalendar::adding(Unit unit, int amount, Instant instant) const {

@@ -46,6 +46,10 @@ public:
     std::optional<Instant> adding(Unit unit, int amount, Instant instant) const;
 
 private:
+    // The day count when a cheap estimate can be confirmed exactly; nothing otherwise. Called
+    // with m_mutex held.
+    std::optional<int> confirmedDayEstimate(Instant from, Instant to) const;
+
     const Clock& m_clock;
     mutable std::mutex m_mutex;
     std::unique_ptr<icu::Calendar> m_calendar;
