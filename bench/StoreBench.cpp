@@ -43,13 +43,12 @@ Environment& environment() {
 }
 
 std::unique_ptr<DataStore> openStore(const std::string& path) {
-    std::string error;
-    auto store = DataStore::open(path, environment().keychain, environment().calendar,
-                                 environment().timers, error);
-    if (!store) {
-        throw std::runtime_error("cannot open " + path + ": " + error);
+    auto opened =
+        DataStore::open(path, environment().keychain, environment().calendar, environment().timers);
+    if (!opened) {
+        throw std::runtime_error("cannot open " + path + ": " + opened.error());
     }
-    return store;
+    return std::move(opened).value();
 }
 
 std::string vaultPath(std::int64_t services) {

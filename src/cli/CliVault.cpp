@@ -27,13 +27,12 @@ std::unique_ptr<CliVault> CliVault::open(CliInvocation& invocation) {
 
 std::unique_ptr<CliVault> CliVault::open(const std::string& path, std::ostream& err) {
     std::unique_ptr<CliVault> vault(new CliVault());
-    std::string error;
-    vault->m_store =
-        DataStore::open(path, vault->m_keychain, vault->m_calendar, vault->m_timers, error);
-    if (!vault->m_store) {
-        err << "vorlane-cli: Failed to initialize data store: " << error << "\n";
+    auto opened = DataStore::open(path, vault->m_keychain, vault->m_calendar, vault->m_timers);
+    if (!opened) {
+        err << "vorlane-cli: Failed to initialize data store: " << opened.error() << "\n";
         return nullptr;
     }
+    vault->m_store = std::move(opened).value();
     return vault;
 }
 

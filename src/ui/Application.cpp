@@ -94,11 +94,9 @@ int Application::run(int argc, char* argv[]) {
         parser.isSet(QStringLiteral("vault"))
             ? std::optional(parser.value(QStringLiteral("vault")).toStdString())
             : std::nullopt);
-    std::string storeError;
-    const std::unique_ptr<DataStore> store =
-        DataStore::open(vaultPath, keychain, calendar, mainLoop, storeError);
-    if (!store) {
-        const std::string message = "Failed to initialize data store: " + storeError;
+    auto opened = DataStore::open(vaultPath, keychain, calendar, mainLoop);
+    if (!opened) {
+        const std::string message = "Failed to initialize data store: " + opened.error();
         std::fprintf(stderr, "%s\n", message.c_str());
         if (hasDisplay()) {
             QApplication app(argc, argv);
@@ -107,6 +105,7 @@ int Application::run(int argc, char* argv[]) {
         }
         return 1;
     }
+    const std::unique_ptr<DataStore> store = std::move(opened).value();
 
     QApplication app(argc, argv);
     QApplication::setApplicationDisplayName(QStringLiteral("Vorlane"));

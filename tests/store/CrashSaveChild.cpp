@@ -23,12 +23,12 @@ int main(int argc, char* argv[]) {
     UserCalendar calendar(clock, "UTC");
     LibsecretBackend backend;
     KeychainManager keychain(backend);
-    std::string error;
-    auto store = DataStore::open(argv[1], keychain, calendar, timers, error);
-    if (!store) {
-        std::fprintf(stderr, "crash child: %s\n", error.c_str());
+    auto opened = DataStore::open(argv[1], keychain, calendar, timers);
+    if (!opened) {
+        std::fprintf(stderr, "crash child: %s\n", opened.error().c_str());
         return 1;
     }
+    const std::unique_ptr<DataStore> store = std::move(opened).value();
     const auto start = testing::crash::generationOf(*store);
     if (!start) {
         std::fprintf(stderr, "crash child: the vault was not set up\n");

@@ -38,12 +38,12 @@ protected:
 
     DataStore& open() {
         m_store.reset();
-        std::string error;
-        m_store = DataStore::open(m_path, m_keychain, m_calendar, m_timers, error);
-        if (!m_store) {
-            ADD_FAILURE() << "cannot open the vault: " << error;
+        auto opened = DataStore::open(m_path, m_keychain, m_calendar, m_timers);
+        if (!opened) {
+            ADD_FAILURE() << "cannot open the vault: " << opened.error();
             std::abort();
         }
+        m_store = std::move(opened).value();
         return *m_store;
     }
 

@@ -21,14 +21,18 @@ protected:
     void expectRefused(const std::string& reason) {
         const std::string before = fileBytes(m_path);
         const auto filesBefore = folderListing();
-        std::string error;
-        auto store = DataStore::open(m_path, m_keychain, m_calendar, m_timers, error);
-        EXPECT_EQ(store, nullptr);
+        const std::string error = refusal();
         EXPECT_NE(error.find(reason), std::string::npos) << error;
         EXPECT_NE(error.find(m_path), std::string::npos) << error;
-        store.reset();
         EXPECT_EQ(fileBytes(m_path), before);
         EXPECT_EQ(folderListing(), filesBefore);
+    }
+
+    // Why opening `m_path` fails; empty, and a failed test, when it opens.
+    std::string refusal() {
+        auto opened = DataStore::open(m_path, m_keychain, m_calendar, m_timers);
+        EXPECT_FALSE(opened) << m_path << " opened";
+        return opened ? std::string() : opened.error();
     }
 
     std::vector<std::string> folderListing() const {
@@ -96,14 +100,13 @@ TEST_F(VaultOpenFailureTest, RefusesADamagedVault) {
 
 TEST_F(VaultOpenFailureTest, RefusesWhatCannotBeRead) {
     std::filesystem::create_directory(m_path);
-    std::string error;
-    EXPECT_EQ(DataStore::open(m_path, m_keychain, m_calendar, m_timers, error), nullptr);
+    std::string error = refusal();
     EXPECT_NE(error.find("is not a file"), std::string::npos) << error;
 
     // A path through a file: nothing can be read or created there.
     std::ofstream(m_folder + "/plain") << "x";
     m_path = m_folder + "/plain/vault.sqlite";
-    EXPECT_EQ(DataStore::open(m_path, m_keychain, m_calendar, m_timers, error), nullptr);
+    error = refusal();
     EXPECT_NE(error.find("cannot read " + m_path + ": Not a directory"), std::string::npos)
         << error;
 }
@@ -127,10 +130,10 @@ TEST_F(VaultOpenFailureTest, RefusesAFileWithoutReadPermission) {
             if (::setgid(nobody) != 0 || ::setuid(nobody) != 0) {
                 std::_Exit(3);
             }
-            std::string error;
-            const auto store = DataStore::open(m_path, m_keychain, m_calendar, m_timers, error);
+            const auto opened = DataStore::open(m_path, m_keychain, m_calendar, m_timers);
+            const std::string error = opened ? std::string() : opened.error();
             std::fprintf(stderr, "%s\n", error.c_str());
-            std::_Exit(store == nullptr && error.find("cannot read") != std::string::npos ? 0 : 1);
+            std::_Exit(error.find("cannot read") != std::string::npos ? 0 : 1);
         },
         ::testing::ExitedWithCode(0), "cannot read");
     EXPECT_EQ(fileBytes(m_path), before);

@@ -28,17 +28,18 @@ bool isValidUtf8(const SecretBytes& bytes) {
 
 } // namespace
 
-std::unique_ptr<DataStore> DataStore::open(const std::string& path, KeychainManager& keychain,
-                                           const UserCalendar& calendar, Timers& timers,
-                                           std::string& error) {
+Result<std::unique_ptr<DataStore>, std::string> DataStore::open(const std::string& path,
+                                                                KeychainManager& keychain,
+                                                                const UserCalendar& calendar,
+                                                                Timers& timers) {
+    std::string error;
     auto file = VaultFile::open(path, error);
     if (!file) {
-        return nullptr;
+        return error;
     }
     std::unique_ptr<DataStore> store(new DataStore(std::move(*file), keychain, calendar, timers));
     if (!store->m_file.load(store->m_context, error)) {
-        error = path + " is damaged: " + error;
-        return nullptr;
+        return path + " is damaged: " + error;
     }
     return store;
 }

@@ -7,6 +7,7 @@
 #include "store/VaultContext.h"
 #include "store/VaultFile.h"
 #include "util/Decimal.h"
+#include "util/Result.h"
 #include "util/Signal.h"
 #include "util/Timers.h"
 
@@ -37,12 +38,13 @@ class DataStore {
 public:
     static constexpr std::chrono::milliseconds autosaveDelay{1000};
 
-    // Opens (or creates) the vault at `path`. Nothing when that fails, with the reason in `error`;
-    // an existing file is then left untouched. The store does not own the keychain, calendar or
-    // timers, which must outlive it.
-    static std::unique_ptr<DataStore> open(const std::string& path, KeychainManager& keychain,
-                                           const UserCalendar& calendar, Timers& timers,
-                                           std::string& error);
+    // Opens (or creates) the vault at `path`, or gives the reason it cannot, in which case an
+    // existing file is left untouched. The store does not own the keychain, calendar or timers,
+    // which must outlive it.
+    static Result<std::unique_ptr<DataStore>, std::string> open(const std::string& path,
+                                                                KeychainManager& keychain,
+                                                                const UserCalendar& calendar,
+                                                                Timers& timers);
     // Saves what is still pending, so that quitting never loses a change.
     ~DataStore();
     DataStore(const DataStore&) = delete;
