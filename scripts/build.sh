@@ -5,7 +5,7 @@
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_dir="$root/build"
-cmake_args=()
+cmake_args=(-DVORLANE_WARNINGS_AS_ERRORS=ON)
 if [[ "${1:-}" == "--sanitize" ]]; then
   build_dir="$root/build-sanitize"
   cmake_args+=(-DVORLANE_SANITIZE=ON -DCMAKE_BUILD_TYPE=Debug -DVORLANE_BUILD_BENCHMARKS=OFF)

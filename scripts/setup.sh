@@ -15,6 +15,8 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   dbus dbus-daemon dbus-bin gnome-keyring libpam-wrapper libpam-modules
   xvfb xauth sqlite3
+  # checks of the desktop entry and the AppStream file; the Debian package (dpkg-shlibdeps, file)
+  desktop-file-utils appstream dpkg-dev file
   # fuzzing (clang's libFuzzer and sanitizer runtimes)
   clang libclang-rt-14-dev
 )
