@@ -5,8 +5,13 @@
 #include "MainWindow.h"
 #include "PamAuthenticator.h"
 #include "ProcessHardening.h"
+#include "QtClipboard.h"
+#include "QtPreferenceStore.h"
 #include "QtTimers.h"
 #include "SymbolIcon.h"
+#include "app/AppContext.h"
+#include "app/AppState.h"
+#include "app/ServiceActions.h"
 #include "auth/AuthManager.h"
 #include "secrets/KeychainManager.h"
 #include "store/DataStore.h"
@@ -118,7 +123,14 @@ int Application::run(int argc, char* argv[]) {
     PamAuthenticator authenticator(mainLoop, DialogAuthenticationPrompt::factory());
     AuthManager::shared().connectPlatform(authenticator, mainLoop);
 
-    MainWindow window;
+    QtClipboard clipboard;
+    QtPreferenceStore preferences;
+    AppState state(clipboard, mainLoop);
+    const ServiceActions serviceActions(*store, state, calendar);
+    AppContext context{*store,   state,     AuthManager::shared(), calendar,
+                       mainLoop, clipboard, preferences,           serviceActions};
+
+    MainWindow window(context);
     if (!keychain.isAvailable()) {
         // Records still work, but nothing secret can be kept: say so rather than fail silently
         // at the first password.

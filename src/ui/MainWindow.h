@@ -1,25 +1,78 @@
 #pragma once
 
-#include <QMainWindow>
+#include "ScreenFactory.h"
+#include "app/DetailScreen.h"
+#include "util/ScopedConnection.h"
 
-class QListWidget;
+#include <QMainWindow>
+#include <QPointer>
+
+#include <array>
+
+class QDialog;
+class QLineEdit;
 class QStackedWidget;
 
 namespace vorlane {
 
-// The main window: the sidebar of destinations beside the detail pane.
+struct AppContext;
+struct Organization;
+struct ServiceRecord;
+class SidebarView;
+
+// The main window: the sidebar column (search field, destinations) beside the detail pane that
+// shows the screen the navigation state routes to, the menus and toolbar, and the sheets, each
+// open exactly while its flag is set. Main thread; the context must outlive the window.
 class MainWindow : public QMainWindow {
     Q_OBJECT
 
 public:
-    explicit MainWindow(QWidget* parent = nullptr);
+    explicit MainWindow(AppContext& context, QWidget* parent = nullptr);
+    ~MainWindow() override;
 
     static constexpr QSize minimumWindowSize{1000, 650};
     static constexpr QSize defaultWindowSize{1280, 800};
 
+    // The widget the detail pane shows now (for tests and screenshots).
+    QWidget* detailScreen() const;
+    DetailScreen detailRoute() const { return m_route.screen; }
+    // The open sheet for `sheet`, if any.
+    QDialog* sheet(Sheet sheet) const;
+    QLineEdit* searchField() const { return m_search; }
+
+    // Shows the separate settings window, creating it on first use.
+    void showSettingsWindow();
+
+Q_SIGNALS:
+    // Each time the window's content is shown (the start, and after being hidden or minimised).
+    void contentShown();
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
-    QListWidget* m_sidebar;
+    struct Route {
+        DetailScreen screen = DetailScreen::dashboard;
+        const ServiceRecord* service = nullptr;
+        const Organization* organization = nullptr;
+        friend bool operator==(const Route&, const Route&) = default;
+    };
+
+    void createMenus();
+    void createToolbar();
+    void syncWithState();
+    void showRoute(const Route& route);
+    void syncSheets();
+
+    AppContext& m_context;
+    QLineEdit* m_search;
+    SidebarView* m_sidebar;
     QStackedWidget* m_detail;
+    Route m_route;
+    bool m_hasRoute = false;
+    std::array<QPointer<QDialog>, 5> m_sheets;
+    QPointer<QWidget> m_settingsWindow;
+    ScopedConnection m_stateConnection;
 };
 
 } // namespace vorlane

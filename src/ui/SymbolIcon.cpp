@@ -3,14 +3,14 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include <array>
 #include <utility>
 
 namespace vorlane {
 
 namespace {
 
-constexpr std::array<std::pair<std::string_view, const char*>, 38> symbolTable{{
+// Symbol name to Breeze icon name; add a row for every symbol a screen shows.
+constexpr std::pair<std::string_view, const char*> symbolTable[] = {
     {"square.grid.2x2", "view-grid"},
     {"building.2", "group"},
     {"star", "favorite"},
@@ -49,7 +49,17 @@ constexpr std::array<std::pair<std::string_view, const char*>, 38> symbolTable{{
     {"doc.on.clipboard", "edit-paste"},
     {"doc.on.doc", "edit-copy"},
     {"eye", "password-show-on"},
-}};
+    {"eye.slash", "password-show-off"},
+    {"plus.circle", "list-add"},
+    {"building.2.fill", "group"},
+    {"plus.rectangle.on.folder", "folder-new"},
+    {"gear", "configure"},
+    {"bell", "notifications"},
+    {"chevron.right", "go-next"},
+    {"calendar", "view-calendar"},
+    {"creditcard", "wallet-open"},
+    {"building", "folder-network"},
+};
 
 } // namespace
 

@@ -1,0 +1,80 @@
+#include "app/ServiceActions.h"
+
+#include "app/AppState.h"
+#include "model/ServiceRecord.h"
+#include "store/DataStore.h"
+#include "util/UserCalendar.h"
+
+#include <utility>
+
+namespace vorlane {
+
+namespace {
+
+std::pair<UserCalendar::Unit, int> renewalStep(BillingCycle cycle) {
+    using Unit = UserCalendar::Unit;
+    switch (cycle.value()) {
+    case BillingCycle::monthly:
+        return {Unit::month, 1};
+    case BillingCycle::quarterly:
+        return {Unit::month, 3};
+    case BillingCycle::semiAnnual:
+        return {Unit::month, 6};
+    case BillingCycle::annual:
+        return {Unit::year, 1};
+    case BillingCycle::biennial:
+        return {Unit::year, 2};
+    case BillingCycle::triennial:
+        return {Unit::year, 3};
+    case BillingCycle::oneTime:
+    case BillingCycle::none:
+        // A one-time purchase that is renewed by hand is treated as yearly.
+        return {Unit::year, 1};
+    }
+    return {Unit::year, 1};
+}
+
+} // namespace
+
+ServiceActions::ServiceActions(DataStore& store, AppState& state, const UserCalendar& calendar)
+    : m_store(store)
+    , m_state(state)
+    , m_calendar(calendar) {}
+
+void ServiceActions::markRenewed(ServiceRecord& service) const {
+    if (!service.expirationDate) {
+        return;
+    }
+    const auto [unit, amount] = renewalStep(service.billingCycle());
+    service.expirationDate = m_calendar.adding(unit, amount, *service.expirationDate);
+    const Instant now = m_calendar.now();
+    service.renewalDate = now;
+    service.setStatus(ServiceStatus::active);
+    service.updatedAt = now;
+    m_store.noteChanged(service);
+    m_store.save();
+}
+
+void ServiceActions::archive(ServiceRecord& service) const {
+    service.isArchived = true;
+    service.setStatus(ServiceStatus::archived);
+    m_store.noteChanged(service);
+}
+
+void ServiceActions::restore(ServiceRecord& service) const {
+    service.isArchived = false;
+    service.setStatus(ServiceStatus::active);
+    m_store.noteChanged(service);
+}
+
+std::string ServiceActions::deleteConfirmationMessage(const ServiceRecord& service) {
+    return "This will permanently delete \"" + service.title +
+           "\" and its secrets. This cannot be undone.";
+}
+
+void ServiceActions::deleteService(ServiceRecord& service) const {
+    m_state.forget(service);
+    m_store.deleteService(service);
+}
+
+} // namespace vorlane

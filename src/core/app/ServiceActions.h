@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+
+namespace vorlane {
+
+class AppState;
+class DataStore;
+struct ServiceRecord;
+class UserCalendar;
+
+// What every screen can do to one service, in one place: the renewal screen, the service detail,
+// the organization detail and the service rows' menu all call these. Main thread only; the store,
+// state and calendar must outlive it.
+class ServiceActions {
+public:
+    ServiceActions(DataStore& store, AppState& state, const UserCalendar& calendar);
+
+    // Moves the expiration date one billing period ahead in the user's calendar (a year for
+    // one-time, none and unknown cycles; 31 January plus a month is the end of February), sets
+    // the renewal date and `updatedAt` to now and the status to active, and saves. A service
+    // without an expiration date is left alone.
+    void markRenewed(ServiceRecord& service) const;
+
+    // Archive: hidden from every list but the archive, status archived. Restore: back to active.
+    // Both rely on the store's autosave.
+    void archive(ServiceRecord& service) const;
+    void restore(ServiceRecord& service) const;
+
+    // "This will permanently delete "<title>" and its secrets. This cannot be undone."
+    static std::string deleteConfirmationMessage(const ServiceRecord& service);
+    // Removes the service's secrets, then the record, saves, and drops every reference the
+    // navigation state held to it. `service` is invalid afterwards.
+    void deleteService(ServiceRecord& service) const;
+
+private:
+    DataStore& m_store;
+    AppState& m_state;
+    const UserCalendar& m_calendar;
+};
+
+} // namespace vorlane

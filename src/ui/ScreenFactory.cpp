@@ -1,0 +1,79 @@
+#include "ScreenFactory.h"
+
+#include "app/AppContext.h"
+#include "screens/PlaceholderScreen.h"
+
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QVBoxLayout>
+
+namespace vorlane {
+
+namespace {
+
+QDialog* placeholderSheet(std::string_view symbol, const QString& title, QWidget* parent) {
+    auto* dialog = new QDialog(parent);
+    dialog->setWindowTitle(title);
+    auto* layout = new QVBoxLayout(dialog);
+    layout->addWidget(new PlaceholderScreen(symbol, title));
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
+    layout->addWidget(buttons);
+    dialog->resize(520, 400);
+    return dialog;
+}
+
+} // namespace
+
+QWidget* ScreenFactory::createDetailScreen(DetailScreen screen, AppContext& context) {
+    (void)context;
+    switch (screen) {
+    case DetailScreen::search:
+        return new PlaceholderScreen("magnifyingglass", QStringLiteral("Search"));
+    case DetailScreen::serviceDetail:
+        return new PlaceholderScreen("key", QStringLiteral("Service"));
+    case DetailScreen::organizationDetail:
+        return new PlaceholderScreen("building.2", QStringLiteral("Organization"));
+    case DetailScreen::dashboard:
+        return new PlaceholderScreen("square.grid.2x2", QStringLiteral("Dashboard"));
+    case DetailScreen::organizationGrid:
+        return new PlaceholderScreen("building.2", QStringLiteral("Organizations"));
+    case DetailScreen::favoritesGrid:
+        return new PlaceholderScreen("star", QStringLiteral("Favorites"));
+    case DetailScreen::expiringSoon:
+        return new PlaceholderScreen("exclamationmark.triangle", QStringLiteral("Expiring Soon"));
+    case DetailScreen::expired:
+        return new PlaceholderScreen("xmark.circle", QStringLiteral("Expired"));
+    case DetailScreen::allCredentials:
+        return new PlaceholderScreen("key", QStringLiteral("All Credentials"));
+    case DetailScreen::expenses:
+        return new PlaceholderScreen("dollarsign.circle", QStringLiteral("Expenses"));
+    case DetailScreen::archive:
+        return new PlaceholderScreen("archivebox", QStringLiteral("Archive"));
+    }
+    return new PlaceholderScreen("square.grid.2x2", QStringLiteral("Dashboard"));
+}
+
+QDialog* ScreenFactory::createSheet(Sheet sheet, AppContext& context, QWidget* parent) {
+    (void)context;
+    switch (sheet) {
+    case Sheet::newOrganization:
+        return placeholderSheet("building.2.fill", QStringLiteral("New Organization"), parent);
+    case Sheet::newService:
+        return placeholderSheet("plus.rectangle.on.folder", QStringLiteral("New Service"), parent);
+    case Sheet::smartPaste:
+        return placeholderSheet("doc.on.clipboard", QStringLiteral("Smart Paste"), parent);
+    case Sheet::shareFlow:
+        return placeholderSheet("paperplane", QStringLiteral("Share"), parent);
+    case Sheet::settings:
+        return placeholderSheet("gear", QStringLiteral("Settings"), parent);
+    }
+    return nullptr;
+}
+
+QWidget* ScreenFactory::createSettingsWindow(AppContext& context) {
+    (void)context;
+    return new PlaceholderScreen("gear", QStringLiteral("Settings"));
+}
+
+} // namespace vorlane
