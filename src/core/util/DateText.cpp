@@ -21,6 +21,9 @@ std::string DateText::format(Instant instant, Style style, const UserCalendar& c
     std::unique_ptr<icu::DateFormat> formatter;
     if (style == Style::abbreviated) {
         formatter.reset(icu::DateFormat::createDateInstance(icu::DateFormat::kMedium, locale));
+    } else if (style == Style::abbreviatedWithTime) {
+        formatter.reset(icu::DateFormat::createDateTimeInstance(icu::DateFormat::kMedium,
+                                                                icu::DateFormat::kShort, locale));
     } else {
         // The locale's best pattern for "abbreviated month and day", in its own order.
         std::unique_ptr<icu::DateTimePatternGenerator> generator(

@@ -15,8 +15,9 @@ class UserCalendar;
 class DateText {
 public:
     enum class Style {
-        monthDay,    // "Mar 4"
-        abbreviated, // "Mar 4, 2026" (en_US), "04.03.2026" (de_DE)
+        monthDay,            // "Mar 4"
+        abbreviated,         // "Mar 4, 2026" (en_US), "04.03.2026" (de_DE)
+        abbreviatedWithTime, // "Mar 4, 2026, 10:00 PM"
     };
 
     static std::string format(Instant instant, Style style, const UserCalendar& calendar,
