@@ -59,6 +59,11 @@ constexpr std::pair<std::string_view, const char*> symbolTable[] = {
     {"calendar", "view-calendar"},
     {"creditcard", "wallet-open"},
     {"building", "folder-network"},
+    {"arrow.right.circle", "go-next-view"},
+    {"link", "link"},
+    {"square.and.arrow.up", "document-share"},
+    {"arrow.uturn.backward", "edit-undo"},
+    {"trash", "edit-delete"},
 };
 
 } // namespace

@@ -1,0 +1,13 @@
+#pragma once
+
+// Lets the list models hand the core's row descriptions to the delegates through QVariant.
+
+#include "components/ListRole.h"
+#include "screens/OrganizationRow.h"
+#include "screens/ServiceRow.h"
+
+#include <QMetaType>
+
+Q_DECLARE_METATYPE(vorlane::ServiceRow)
+Q_DECLARE_METATYPE(vorlane::OrganizationRow)
+Q_DECLARE_METATYPE(vorlane::ListRole::Kind)

@@ -1,0 +1,40 @@
+#include "components/SectionedRowDelegate.h"
+
+#include "components/OrganizationRowDelegate.h"
+#include "components/RowVariant.h"
+#include "components/SectionHeader.h"
+#include "components/ServiceRowDelegate.h"
+
+#include <QImage>
+#include <QPainter>
+
+namespace vorlane {
+
+void SectionedRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                                 const QModelIndex& index) const {
+    QStyleOptionViewItem opt = option;
+    initStyleOption(&opt, index);
+    switch (index.data(ListRole::kind).value<ListRole::Kind>()) {
+    case ListRole::Kind::sectionHeader:
+        SectionHeader::paint(*painter, opt.rect, index.data(Qt::DisplayRole).toString(),
+                             index.data(ListRole::sectionCount).toInt(), opt.palette, opt.font);
+        return;
+    case ListRole::Kind::organization:
+        OrganizationRowDelegate::paintRow(
+            *painter, opt, index.data(ListRole::organizationRow).value<OrganizationRow>(),
+            index.data(ListRole::logo).value<QImage>());
+        return;
+    case ListRole::Kind::service:
+        ServiceRowDelegate::paintRow(*painter, opt,
+                                     index.data(ListRole::serviceRow).value<ServiceRow>());
+        return;
+    }
+}
+
+QSize SectionedRowDelegate::sizeHint(const QStyleOptionViewItem& option,
+                                     const QModelIndex& index) const {
+    (void)index;
+    return {option.rect.width() > 0 ? option.rect.width() : 400, ListRole::rowHeight};
+}
+
+} // namespace vorlane
