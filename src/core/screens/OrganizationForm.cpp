@@ -1,0 +1,112 @@
+#include "screens/OrganizationForm.h"
+
+#include "app/AppState.h"
+#include "model/Organization.h"
+#include "store/DataStore.h"
+#include "util/TagText.h"
+#include "util/UserCalendar.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace vorlane {
+
+OrganizationForm::OrganizationForm(DataStore& store, AppState& state, const UserCalendar& calendar,
+                                   Organization* editTarget)
+    : m_store(store)
+    , m_state(state)
+    , m_calendar(calendar)
+    , m_editTarget(editTarget) {
+    loadExisting();
+}
+
+void OrganizationForm::loadExisting() {
+    // The edit mode's organization comes first here, while saving prefers `editingOrganization`:
+    // the two only differ if both are set, which no screen does.
+    Organization* organization =
+        m_editTarget != nullptr ? m_editTarget : m_state.editingOrganization();
+    if (organization == nullptr) {
+        return;
+    }
+    name = organization->name;
+    projectName = organization->projectName;
+    contactName = organization->contactName;
+    contactEmail = organization->contactEmail;
+    contactPhone = organization->contactPhone;
+    website = organization->website;
+    notes = organization->notes;
+    tagsText = joinTags(organization->tags);
+    isActive = organization->isActive;
+    logoData = m_store.logo(*organization);
+}
+
+Organization* OrganizationForm::target() const {
+    return m_state.editingOrganization() != nullptr ? m_state.editingOrganization() : m_editTarget;
+}
+
+std::string OrganizationForm::title() const {
+    return m_editTarget != nullptr ? "Edit Organization" : "New Organization";
+}
+
+std::string OrganizationForm::saveButtonTitle() const {
+    return m_editTarget != nullptr ? "Save Changes" : "Create Organization";
+}
+
+bool OrganizationForm::canSave() const {
+    return !trimmed(name).empty();
+}
+
+bool OrganizationForm::chooseLogo(const std::string& path) {
+    // A directory opens as a stream on Linux and only fails on reading.
+    std::error_code error;
+    if (std::filesystem::is_directory(path, error)) {
+        return false;
+    }
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        return false;
+    }
+    std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(file),
+                                    std::istreambuf_iterator<char>()};
+    if (file.bad()) {
+        return false;
+    }
+    logoData = std::move(bytes);
+    return true;
+}
+
+Organization* OrganizationForm::save() {
+    if (!canSave()) {
+        return nullptr;
+    }
+    const Instant now = m_calendar.now();
+    auto fill = [&](Organization& organization) {
+        organization.name = std::string(trimmed(name));
+        organization.projectName = std::string(trimmed(projectName));
+        organization.contactName = contactName;
+        organization.contactEmail = contactEmail;
+        organization.contactPhone = contactPhone;
+        organization.website = website;
+        organization.notes = notes;
+        organization.tags = splitTags(tagsText);
+        organization.isActive = isActive;
+        organization.updatedAt = now;
+    };
+    Organization* organization = target();
+    if (organization == nullptr) {
+        // Filled before it is inserted, so that no screen ever sees it half made.
+        Organization created = Organization::created(now);
+        fill(created);
+        created.logoData = logoData;
+        organization = &m_store.insert(std::move(created));
+    } else {
+        fill(*organization);
+        m_store.setLogo(*organization, logoData);
+    }
+    m_store.save();
+    m_state.setEditingOrganization(nullptr);
+    return organization;
+}
+
+} // namespace vorlane

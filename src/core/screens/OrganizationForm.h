@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vorlane {
+
+class AppState;
+class DataStore;
+struct Organization;
+class UserCalendar;
+
+// The sheet in which an organization is created or edited. Its target is the organization the
+// navigation state's `editingOrganization` names (what every "Edit" action sets), else the one
+// given as `editTarget` (edit mode, which no screen uses today), else none: a new organization.
+// The fields start as the target's (`loadExisting`), or empty and active for a new one.
+//
+// Saving clears `editingOrganization`; cancelling leaves it set on purpose, so the next
+// "New Organization" opens on the same organization again. Main thread; the store, state and
+// calendar must outlive the form, and the target must stay in the store while the form is open.
+class OrganizationForm {
+public:
+    OrganizationForm(DataStore& store, AppState& state, const UserCalendar& calendar,
+                     Organization* editTarget = nullptr);
+
+    // Editable copies of the organization's fields; tags as one comma-separated text.
+    std::string name;
+    std::string projectName;
+    std::string contactName;
+    std::string contactEmail;
+    std::string contactPhone;
+    std::string website;
+    std::string notes;
+    std::string tagsText;
+    bool isActive = true;
+    std::optional<std::vector<std::uint8_t>> logoData;
+
+    // "Edit Organization" only in edit mode: an edit started through `editingOrganization` is
+    // titled "New Organization", and its button reads "Create Organization".
+    std::string title() const;
+    std::string saveButtonTitle() const;
+    // False while the name, trimmed, is empty.
+    bool canSave() const;
+
+    // Takes the whole file's bytes as the logo, unchanged and of any size. A file that cannot be
+    // read changes nothing and gives false.
+    bool chooseLogo(const std::string& path);
+    void removeLogo() { logoData.reset(); }
+
+    // Creates the organization, or writes the fields into the target, and saves; name and project
+    // trimmed, tags split at commas, the rest as typed. Clears `editingOrganization`. Returns the
+    // organization saved, or null (nothing done) when `canSave` is false.
+    Organization* save();
+
+private:
+    void loadExisting();
+    Organization* target() const;
+
+    DataStore& m_store;
+    AppState& m_state;
+    const UserCalendar& m_calendar;
+    Organization* m_editTarget;
+};
+
+} // namespace vorlane
