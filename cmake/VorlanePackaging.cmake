@@ -15,13 +15,13 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
-set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "${PROJECT_DESCRIPTION}
- Vorlane keeps what a freelancer runs for each client: servers, hosting accounts,
- control panels, domains, mailboxes, databases, cloud accounts, SSH and FTP access
- and API keys, with their addresses, logins, renewal dates and costs. Passwords
- and API keys stay in the desktop's Secret Service (GNOME Keyring, KWallet,
- KeePassXC), never in the vault file, and are shown only after the user's system
- password. Nothing leaves the machine.")
+# The long description; CPack puts the summary above it and indents it as dpkg wants.
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "Vorlane keeps what a freelancer runs for each client: servers, hosting accounts,
+control panels, domains, mailboxes, databases, cloud accounts, SSH and FTP access
+and API keys, with their addresses, logins, renewal dates and costs. Passwords
+and API keys stay in the desktop's Secret Service (GNOME Keyring, KWallet,
+KeePassXC), never in the vault file, and are shown only after the user's system
+password. Nothing leaves the machine.")
 # dpkg-shlibdeps works out the libraries the programs link. What they load at run time is named
 # here: the SVG plugin and the Breeze theme draw every icon of the window.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Configures and builds Vorlane into a build directory: build/ by default, build-sanitize/ with
-# --sanitize (AddressSanitizer and UndefinedBehaviorSanitizer). The build's own output goes to
+# --sanitize (AddressSanitizer and UndefinedBehaviorSanitizer). Warnings in our code are errors
+# here, and so in CI; a plain cmake build leaves them warnings. The build's own output goes to
 # stderr; the last line on stdout is the build directory, for the scripts that call this one.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
