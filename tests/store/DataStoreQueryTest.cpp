@@ -2,8 +2,13 @@
 
 #include "VaultFixture.h"
 
+#include <nlohmann/json.hpp>
+#include <unicode/locid.h>
+
 #include <algorithm>
 #include <chrono>
+#include <ostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -49,6 +54,117 @@ TEST_F(DataStoreQueryTest, ListsFollowLocalizedOrderCaseInsensitiveWithNumbersBy
     change(owner, [](Organization& o) { o.name = "Aardvark"; });
     EXPECT_EQ(store().fetchOrganizations().front(), &owner);
 }
+
+// Name and title order, and search, under the locales people really run: C.UTF-8 (minimal
+// installs, containers, CI), an English one, and Swedish, whose alphabet puts "Ö" after "Z".
+// Whatever the locale, case never decides the order and numbers compare by value.
+struct LocaleCase {
+    const char* environment; // LC_ALL of a process started in this locale
+    const char* icuLocale;   // what ICU makes of it
+    Names organizations;     // in name order
+    Names services;          // in title order
+
+    friend std::ostream& operator<<(std::ostream& out, const LocaleCase& c) {
+        return out << c.environment;
+    }
+};
+
+const LocaleCase kLocales[] = {
+    {"C.UTF-8",
+     "en_US_POSIX",
+     {"Acme", "delta Works", "Östra Hamnen", "Zed Labs"},
+     {"Alpha box", "beta box", "Item 9", "Item 10", "Öl server", "zeta server"}},
+    {"en_US.UTF-8",
+     "en_US",
+     {"Acme", "delta Works", "Östra Hamnen", "Zed Labs"},
+     {"Alpha box", "beta box", "Item 9", "Item 10", "Öl server", "zeta server"}},
+    {"sv_SE.UTF-8",
+     "sv_SE",
+     {"Acme", "delta Works", "Zed Labs", "Östra Hamnen"},
+     {"Alpha box", "beta box", "Item 9", "Item 10", "zeta server", "Öl server"}},
+};
+
+// The store orders by the process's locale as ICU sees it, so each case sets ICU's default
+// locale (no system locale has to be installed) and puts the old one back afterwards.
+class LocaleOrderTest : public VaultFixture, public ::testing::WithParamInterface<LocaleCase> {
+protected:
+    void SetUp() override {
+        m_previous = icu::Locale::getDefault();
+        UErrorCode status = U_ZERO_ERROR;
+        icu::Locale::setDefault(icu::Locale(GetParam().icuLocale), status);
+        ASSERT_TRUE(U_SUCCESS(status));
+        open();
+        // Inserted out of order, with capitals and small letters mixed, as a user types them.
+        for (const char* name : {"Zed Labs", "delta Works", "Östra Hamnen"}) {
+            addOrganization(name);
+        }
+        Organization& acme = addOrganization("Acme");
+        for (const char* title :
+             {"zeta server", "Item 10", "beta box", "Öl server", "Item 9", "Alpha box"}) {
+            addService(acme, title);
+        }
+    }
+
+    void TearDown() override {
+        m_store.reset();
+        UErrorCode status = U_ZERO_ERROR;
+        icu::Locale::setDefault(m_previous, status);
+    }
+
+    icu::Locale m_previous;
+};
+
+TEST_P(LocaleOrderTest, ListsAndSearchResultsFollowTheLocaleIgnoringCase) {
+    const LocaleCase& expected = GetParam();
+    EXPECT_EQ(titles(m_store->fetchOrganizations()), expected.organizations);
+    EXPECT_EQ(titles(m_store->fetchAllServices()), expected.services);
+
+    // Every name holds an "e", and every service is found through its organization, Acme.
+    EXPECT_EQ(titles(m_store->searchOrganizations("E")), expected.organizations);
+    EXPECT_EQ(titles(m_store->search("e")), expected.services);
+
+    // Case-insensitive containment in ASCII and beyond, whatever the locale.
+    EXPECT_EQ(titles(m_store->searchOrganizations("hAMNEN")), (Names{"Östra Hamnen"}));
+    EXPECT_EQ(titles(m_store->searchOrganizations("öSTRA")), (Names{"Östra Hamnen"}));
+    EXPECT_EQ(titles(m_store->search("ÖL SERVER")), (Names{"Öl server"}));
+    EXPECT_EQ(titles(m_store->search("ITEM 1")), (Names{"Item 10"}));
+
+    // The order survives a reopen: keys are worked out again from what the file holds.
+    reopen();
+    EXPECT_EQ(titles(m_store->fetchOrganizations()), expected.organizations);
+    EXPECT_EQ(titles(m_store->fetchAllServices()), expected.services);
+}
+
+// The same vault searched from vorlane-cli, a separate process that finds its locale in LC_ALL
+// alone, as a user's shell or a CI runner starts it.
+TEST_P(LocaleOrderTest, CommandLineSearchOrdersByTheEnvironmentsLocale) {
+    ASSERT_TRUE(m_store->save());
+    m_store.reset();
+    const LocaleCase& expected = GetParam();
+    const CommandRun run = runCommand(std::string("env -u LANGUAGE LANG=") + expected.environment +
+                                      " LC_ALL=" + expected.environment + " " + VORLANE_CLI +
+                                      " --vault " + shellWord(m_path) + " --json search e");
+    ASSERT_EQ(run.status, 0) << run.err;
+
+    Names organizations;
+    Names services;
+    std::istringstream lines(run.out);
+    for (std::string line; std::getline(lines, line);) {
+        const auto object = nlohmann::json::parse(line);
+        if (object.contains("name")) {
+            organizations.push_back(object["name"]);
+        } else {
+            services.push_back(object["title"]);
+        }
+    }
+    EXPECT_EQ(organizations, expected.organizations);
+    EXPECT_EQ(services, expected.services);
+}
+
+INSTANTIATE_TEST_SUITE_P(Locales, LocaleOrderTest, ::testing::ValuesIn(kLocales),
+                         [](const ::testing::TestParamInfo<LocaleCase>& locale) {
+                             return std::string(locale.param.icuLocale);
+                         });
 
 TEST_F(DataStoreQueryTest, ArchivedAndFavoriteFilters) {
     Organization& plain = addOrganization("Plain");

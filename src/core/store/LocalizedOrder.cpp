@@ -13,21 +13,39 @@ struct LocalizedOrder::Collation {
     std::unique_ptr<icu::Collator> collator;
 };
 
-LocalizedOrder::LocalizedOrder(std::string_view localeId)
-    : m_collation(std::make_unique<Collation>()) {
+namespace {
+
+// ICU reports the C and POSIX locales as en_US_POSIX, whose collation sorts every capital before
+// every small letter (a byte order). That locale says "no preference" rather than "American", so
+// it gets the root collation, the order of the Unicode Collation Algorithm.
+icu::Locale collationLocale(std::string_view localeId) {
     const icu::Locale locale =
         localeId.empty() ? icu::Locale::getDefault() : icu::Locale(std::string(localeId).c_str());
+    if (std::string_view(locale.getVariant()) == "POSIX") {
+        return icu::Locale::getRoot();
+    }
+    return locale;
+}
+
+} // namespace
+
+LocalizedOrder::LocalizedOrder(std::string_view localeId)
+    : m_collation(std::make_unique<Collation>()) {
     UErrorCode status = U_ZERO_ERROR;
-    m_collation->collator.reset(icu::Collator::createInstance(locale, status));
+    m_collation->collator.reset(icu::Collator::createInstance(collationLocale(localeId), status));
     if (U_FAILURE(status) || !m_collation->collator) {
         // The root collation is built into ICU and always there.
         status = U_ZERO_ERROR;
         m_collation->collator.reset(icu::Collator::createInstance(icu::Locale::getRoot(), status));
     }
-    // Secondary strength: letters and accents decide, case does not.
-    m_collation->collator->setStrength(icu::Collator::SECONDARY);
+    // Set every attribute that decides case and digits, whatever the locale's tailoring says:
+    // secondary strength lets letters and accents decide, not case; the case level would bring
+    // case back at that strength; numeric collation reads digits as numbers.
+    icu::Collator& collator = *m_collation->collator;
     status = U_ZERO_ERROR;
-    m_collation->collator->setAttribute(UCOL_NUMERIC_COLLATION, UCOL_ON, status);
+    collator.setAttribute(UCOL_STRENGTH, UCOL_SECONDARY, status);
+    collator.setAttribute(UCOL_CASE_LEVEL, UCOL_OFF, status);
+    collator.setAttribute(UCOL_NUMERIC_COLLATION, UCOL_ON, status);
 }
 
 LocalizedOrder::~LocalizedOrder() = default;

@@ -12,7 +12,8 @@ namespace vorlane {
 // ordered without running the collator on every comparison. Not thread-safe; one per store.
 class LocalizedOrder {
 public:
-    // An empty locale id means the process's default locale (LANG / LC_ALL).
+    // An empty locale id means the process's default locale (LC_ALL / LANG). The C and POSIX
+    // locales (ICU's en_US_POSIX) get the root collation, with case ignored as everywhere.
     explicit LocalizedOrder(std::string_view localeId = {});
     ~LocalizedOrder();
     LocalizedOrder(const LocalizedOrder&) = delete;
