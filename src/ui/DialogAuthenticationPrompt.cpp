@@ -34,7 +34,11 @@ void DialogAuthenticationPrompt::showMessage(std::string_view text, bool isError
 
 void DialogAuthenticationPrompt::close() {
     if (m_dialog) {
-        m_dialog->disconnect();
+        // Only our own connections: the lambdas reach this prompt, which may be gone before the
+        // deferred delete. Others stay, above all Qt's accessibility cache on destroyed(), or a
+        // later dialog at the same address would inherit this one's dead accessible interface.
+        QObject::disconnect(m_entryConfirmed);
+        QObject::disconnect(m_rejected);
         m_dialog->hide();
         m_dialog->deleteLater();
     }
@@ -47,12 +51,13 @@ PasswordPromptDialog& DialogAuthenticationPrompt::dialog() {
         m_dialog = new PasswordPromptDialog(
             toQString(m_request.reason), toQString(m_request.fallbackTitle),
             toQString(m_request.cancelTitle), QApplication::activeWindow());
-        QObject::connect(m_dialog, &PasswordPromptDialog::entryConfirmed, m_dialog, [this] {
-            if (m_answer) {
-                std::exchange(m_answer, nullptr)(m_dialog->takeEntry());
-            }
-        });
-        QObject::connect(m_dialog, &QDialog::rejected, m_dialog, [this] {
+        m_entryConfirmed =
+            QObject::connect(m_dialog, &PasswordPromptDialog::entryConfirmed, m_dialog, [this] {
+                if (m_answer) {
+                    std::exchange(m_answer, nullptr)(m_dialog->takeEntry());
+                }
+            });
+        m_rejected = QObject::connect(m_dialog, &QDialog::rejected, m_dialog, [this] {
             if (m_cancelled) {
                 std::exchange(m_cancelled, nullptr)();
             }

@@ -3,6 +3,7 @@
 #include "AuthenticationPrompt.h"
 #include "PasswordPromptDialog.h"
 
+#include <QMetaObject>
 #include <QPointer>
 
 #include <functional>
@@ -31,6 +32,8 @@ private:
     std::function<void()> m_cancelled;
     Answer m_answer;
     QPointer<PasswordPromptDialog> m_dialog; // the parent window may delete it first
+    QMetaObject::Connection m_entryConfirmed;
+    QMetaObject::Connection m_rejected;
 };
 
 } // namespace vorlane

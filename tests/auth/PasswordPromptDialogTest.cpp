@@ -6,6 +6,7 @@
 #include "QtTimers.h"
 #include "auth/AuthManager.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QDBusConnection>
 #include <QLabel>
@@ -170,6 +171,45 @@ TEST_F(VaultLockEndToEndTest, EscapeAnswersFalseAtOnce) {
     QTest::keyClick(dialog, Qt::Key_Escape);
     EXPECT_EQ(waitForReply(reply), false);
     EXPECT_TRUE(QTest::qWaitFor([&] { return dialog.isNull(); }, 5000));
+}
+
+// A screen reader finds each prompt through Qt's accessibility cache. Prompts come and go at the
+// same few addresses (one is freed, the next takes its place), so a refused prompt must leave the
+// cache as it found it, or the next one answers with a dead interface or is missing altogether.
+TEST_F(VaultLockEndToEndTest, EachNewPromptAnswersAssistiveTechnologyWithItsOwnText) {
+    for (int round = 1; round <= 6; ++round) {
+        const QString reason =
+            QStringLiteral("Authenticate to export secrets for Client %1").arg(round);
+        SCOPED_TRACE(reason.toStdString());
+        QApplication::setActiveWindow(&m_window);
+        std::optional<bool> reply;
+        m_manager.authenticateForSensitiveAction(reason.toStdString(),
+                                                 [&](bool ok) { reply = ok; });
+        QPointer<PasswordPromptDialog> dialog = waitForDialog();
+        ASSERT_TRUE(dialog);
+
+        QAccessibleInterface* prompt = QAccessible::queryAccessibleInterface(dialog);
+        ASSERT_NE(prompt, nullptr);
+        ASSERT_TRUE(prompt->isValid());
+        ASSERT_EQ(prompt->object(), dialog.data());
+        EXPECT_EQ(prompt->role(), QAccessible::Dialog);
+        QStringList texts;
+        for (int i = 0; i < prompt->childCount(); ++i) {
+            texts << prompt->child(i)->text(QAccessible::Name);
+        }
+        EXPECT_TRUE(texts.contains(reason)) << texts.join(" | ").toStdString();
+
+        // Refused both ways: the user cancels, or PAM turns the password down.
+        auto* field = dialog->findChild<QLineEdit*>();
+        if (round % 2 == 1) {
+            QTest::keyClick(field, Qt::Key_Escape);
+        } else {
+            QTest::keyClicks(field, "battery staple");
+            QTest::keyClick(field, Qt::Key_Return);
+        }
+        EXPECT_EQ(waitForReply(reply), false);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return dialog.isNull(); }, 5000));
+    }
 }
 
 } // namespace
