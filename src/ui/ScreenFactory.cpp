@@ -1,6 +1,9 @@
 #include "ScreenFactory.h"
 
 #include "app/AppContext.h"
+#include "screens/AllCredentialsView.h"
+#include "screens/ArchiveView.h"
+#include "screens/GlobalSearchView.h"
 #include "screens/PlaceholderScreen.h"
 
 #include <QDialog>
@@ -29,7 +32,7 @@ QWidget* ScreenFactory::createDetailScreen(DetailScreen screen, AppContext& cont
     (void)context;
     switch (screen) {
     case DetailScreen::search:
-        return new PlaceholderScreen("magnifyingglass", QStringLiteral("Search"));
+        return new GlobalSearchView(context);
     case DetailScreen::serviceDetail:
         return new PlaceholderScreen("key", QStringLiteral("Service"));
     case DetailScreen::organizationDetail:
@@ -45,11 +48,11 @@ QWidget* ScreenFactory::createDetailScreen(DetailScreen screen, AppContext& cont
     case DetailScreen::expired:
         return new PlaceholderScreen("xmark.circle", QStringLiteral("Expired"));
     case DetailScreen::allCredentials:
-        return new PlaceholderScreen("key", QStringLiteral("All Credentials"));
+        return new AllCredentialsView(context);
     case DetailScreen::expenses:
         return new PlaceholderScreen("dollarsign.circle", QStringLiteral("Expenses"));
     case DetailScreen::archive:
-        return new PlaceholderScreen("archivebox", QStringLiteral("Archive"));
+        return new ArchiveView(context);
     }
     return new PlaceholderScreen("square.grid.2x2", QStringLiteral("Dashboard"));
 }
