@@ -174,10 +174,10 @@ OrganizationDetailScreen::ServiceTab OrganizationDetailScreen::serviceTab(OrgDet
         }
     }
     if (content.sections.empty()) {
-        content.emptyState = EmptyState{
-            std::string(tab.icon()), "No " + std::string(tab.label()) + " Yet",
-            "Services of this kind that you add to " + m_organization.name + " appear here.",
-            "Add Service"};
+        content.emptyState = EmptyState{tab.icon(), "No " + std::string(tab.label()) + " Yet",
+                                        "Services of this kind that you add to " +
+                                            m_organization.name + " appear here.",
+                                        "Add Service"};
     }
     return content;
 }

@@ -4,6 +4,8 @@
 #include "model/ExpirationState.h"
 #include "model/OrgDetailTab.h"
 #include "model/Palette.h"
+#include "screens/EmptyState.h"
+#include "screens/StatCard.h"
 
 #include <cstddef>
 #include <optional>
@@ -55,20 +57,6 @@ public:
         OrgDetailTab tab;
         std::string title; // the label, with the count of services on service tabs: "Servers (3)"
         std::string icon;
-    };
-
-    struct EmptyState {
-        std::string icon;
-        std::string title;
-        std::string message;
-        std::string actionTitle; // empty: no action
-    };
-
-    struct StatCard {
-        std::string title;
-        std::string value;
-        std::string icon;
-        Palette::Color color;
     };
 
     // A titled group of service rows.

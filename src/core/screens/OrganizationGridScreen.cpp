@@ -170,7 +170,7 @@ std::string OrganizationGridScreen::countText() const {
     return std::to_string(count) + (count == 1 ? " organization" : " organizations");
 }
 
-std::optional<OrganizationGridScreen::EmptyState> OrganizationGridScreen::emptyState() const {
+std::optional<EmptyState> OrganizationGridScreen::emptyState() const {
     if (!m_cards.empty()) {
         return std::nullopt;
     }

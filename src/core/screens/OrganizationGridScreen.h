@@ -2,6 +2,7 @@
 
 #include "app/OrganizationActions.h"
 #include "model/Palette.h"
+#include "screens/EmptyState.h"
 
 #include <array>
 #include <cstddef>
@@ -57,13 +58,6 @@ public:
         std::string nextExpirationText; // "Next: Mar 5"; empty without a future expiration
         // What a screen reader says for the card.
         std::string accessibleText;
-    };
-
-    struct EmptyState {
-        std::string icon;
-        std::string title;
-        std::string message;
-        std::string actionTitle;
     };
 
     OrganizationGridScreen(DataStore& store, AppState& state, const UserCalendar& calendar,
