@@ -58,6 +58,17 @@ TEST(UserCalendarTest, AddingAMonthClampsToTheEndOfTheShorterMonth) {
               utc(2026, 3, 31, 16));
 }
 
+TEST(UserCalendarTest, StartOfMonthIsLocalMidnightInThatDaysOwnOffset) {
+    ManualClock clock;
+    const UserCalendar calendar(clock, newYork);
+    // 10 March is in summer time (UTC-4) but 1 March was not (UTC-5): midnight is 05:00 UTC.
+    EXPECT_EQ(calendar.startOfMonth(utc(2026, 3, 10, 17)), utc(2026, 3, 1, 5));
+    // And the other way round in November.
+    EXPECT_EQ(calendar.startOfMonth(utc(2026, 11, 20, 17)), utc(2026, 11, 1, 4));
+    // 02:00 UTC on 1 April is still 31 March in New York.
+    EXPECT_EQ(calendar.startOfMonth(utc(2026, 4, 1, 2)), utc(2026, 3, 1, 5));
+}
+
 class ExpirationStateTest : public ::testing::Test {
 protected:
     ExpirationState stateAt(Instant expiration) {

@@ -13,6 +13,8 @@ constexpr std::array<std::optional<int>, BillingCycle::caseCount> spreadMonths{
     12, 12, 12, 12, 24, 36, std::nullopt, std::nullopt,
 };
 
+constexpr std::array<int, BillingCycle::caseCount> renewalStepMonths{1, 3, 6, 12, 24, 36, 12, 12};
+
 } // namespace
 
 std::string_view BillingCycle::label() const {
@@ -21,6 +23,10 @@ std::string_view BillingCycle::label() const {
 
 std::optional<int> BillingCycle::yearlyCostSpreadMonths() const {
     return spreadMonths[index()];
+}
+
+int BillingCycle::renewalMonths() const {
+    return renewalStepMonths[index()];
 }
 
 } // namespace vorlane

@@ -37,6 +37,10 @@ public:
     // every cycle of a year or shorter (the yearly field already holds a whole year), the cycle's
     // length for the multi-year ones, nothing for one-time and no billing (they cost 0 a month).
     std::optional<int> yearlyCostSpreadMonths() const;
+
+    // The months one renewal moves an expiration date ahead: the cycle's own length, and a year
+    // for one-time and no billing (a one-time purchase renewed by hand is treated as yearly).
+    int renewalMonths() const;
 };
 
 } // namespace vorlane

@@ -276,6 +276,14 @@ Decimal DataStore::totalYearlyCost() const {
     return total;
 }
 
+Decimal DataStore::monthlyCost(const Organization& organization) const {
+    return m_context.monthlyCost(organization);
+}
+
+Decimal DataStore::yearlyCost(const Organization& organization) const {
+    return m_context.yearlyCost(organization);
+}
+
 std::optional<std::string> DataStore::readSecret(const std::string& account) const {
     const std::optional<SecretBytes> bytes = m_keychain.readData(account);
     if (!bytes || !isValidUtf8(*bytes)) {

@@ -109,6 +109,10 @@ public:
     // Over the organizations that are not archived (their archived services do not count).
     Decimal totalMonthlyCost() const;
     Decimal totalYearlyCost() const;
+    // One organization's `monthlyCost` and `yearlyCost`, kept until it or one of its services
+    // changes (the same figures the totals add up).
+    Decimal monthlyCost(const Organization& organization) const;
+    Decimal yearlyCost(const Organization& organization) const;
 
     // -- Secrets, under the identifiers the record holds. Reads give nothing when there is no
     // item or it is not UTF-8 text. Setting an empty text deletes the item; setting a text on a

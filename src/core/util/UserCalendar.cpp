@@ -126,4 +126,20 @@ std::optional<Instant> UserCalendar::adding(Unit unit, int amount, Instant insta
     return fromUDate(result);
 }
 
+std::optional<Instant> UserCalendar::startOfMonth(Instant instant) const {
+    std::lock_guard lock(m_mutex);
+    UErrorCode status = U_ZERO_ERROR;
+    m_calendar->setTime(toUDate(instant), status);
+    m_calendar->set(UCAL_DATE, 1);
+    m_calendar->set(UCAL_HOUR_OF_DAY, 0);
+    m_calendar->set(UCAL_MINUTE, 0);
+    m_calendar->set(UCAL_SECOND, 0);
+    m_calendar->set(UCAL_MILLISECOND, 0);
+    const UDate result = m_calendar->getTime(status);
+    if (U_FAILURE(status)) {
+        return std::nullopt;
+    }
+    return fromUDate(result);
+}
+
 } // namespace vorlane

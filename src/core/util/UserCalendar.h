@@ -45,6 +45,10 @@ public:
     // the month that the target month lacks becomes that month's last day.
     std::optional<Instant> adding(Unit unit, int amount, Instant instant) const;
 
+    // Midnight that begins the first day of `instant`'s month, in the user's zone (or the first
+    // moment of that day where a daylight-saving change skips midnight).
+    std::optional<Instant> startOfMonth(Instant instant) const;
+
 private:
     // The day count when a cheap estimate can be confirmed exactly; nothing otherwise. Called
     // with m_mutex held.

@@ -1,0 +1,174 @@
+#include "screens/DashboardScreen.h"
+
+#include "app/AppState.h"
+#include "model/Organization.h"
+#include "model/ServiceRecord.h"
+#include "store/DataStore.h"
+#include "util/CurrencyFormat.h"
+#include "util/UserCalendar.h"
+
+#include <unicode/datefmt.h>
+#include <unicode/locid.h>
+#include <unicode/timezone.h>
+#include <unicode/unistr.h>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <optional>
+
+namespace vorlane {
+
+namespace {
+
+// The month of `instant` in the user's zone and locale, written after an ICU skeleton ("MMM" for
+// "Mar", "MMMMy" for "March 2026"); empty when ICU cannot.
+class MonthWriter {
+public:
+    MonthWriter(const UserCalendar& calendar, const char16_t* skeleton) {
+        UErrorCode status = U_ZERO_ERROR;
+        m_format.reset(icu::DateFormat::createInstanceForSkeleton(
+            icu::UnicodeString(skeleton), icu::Locale::getDefault(), status));
+        if (U_FAILURE(status)) {
+            m_format.reset();
+            return;
+        }
+        const std::string zone = calendar.timeZoneId();
+        m_format->adoptTimeZone(icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(zone)));
+    }
+
+    std::string write(Instant instant) const {
+        if (!m_format) {
+            return {};
+        }
+        icu::UnicodeString text;
+        m_format->format(static_cast<UDate>(instant.time_since_epoch().count()), text);
+        std::string utf8;
+        text.toUTF8String(utf8);
+        return utf8;
+    }
+
+private:
+    std::unique_ptr<icu::DateFormat> m_format;
+};
+
+} // namespace
+
+std::string DashboardScreen::Alert::accessibleText() const {
+    return "Alert: " + title + ", " + message;
+}
+
+DashboardScreen::DashboardScreen(DataStore& store, AppState& state, const UserCalendar& calendar)
+    : m_store(store)
+    , m_state(state)
+    , m_calendar(calendar) {
+    reload();
+}
+
+void DashboardScreen::reload() {
+    m_stats = {
+        {"Organizations", std::to_string(m_store.fetchOrganizations(false).size()), "building.2",
+         Palette::Color::indigo},
+        {"Active Services", std::to_string(m_store.totalActiveServices()), "checkmark.circle",
+         Palette::Color::green},
+        {"Monthly Spend", currencyFormatted(m_store.totalMonthlyCost()), "dollarsign.circle",
+         Palette::Color::blue},
+        {"Yearly Estimate", currencyFormatted(m_store.totalYearlyCost()), "calendar",
+         Palette::Color::purple},
+    };
+    makeAlerts();
+    m_expiring = m_store.fetchExpiringSoon(listHorizonDays);
+    makeRecent();
+    makeCostsDue();
+}
+
+void DashboardScreen::makeAlerts() {
+    m_alerts.clear();
+    for (ServiceRecord* service : m_store.fetchExpired()) {
+        m_alerts.push_back({service, ExpirationState::expired, service->title, "Expired"});
+    }
+    for (ServiceRecord* service : m_store.fetchExpiringSoon(alertHorizonDays)) {
+        const int days = service->daysUntilExpiration(m_calendar).value_or(0);
+        m_alerts.push_back({service, ExpirationState::critical, service->title,
+                            "Expires in " + std::to_string(days) + " day(s)"});
+    }
+}
+
+void DashboardScreen::makeRecent() {
+    // One pass keeping the newest few, rather than sorting the whole vault: a service goes in
+    // front of the first kept one that is strictly older, so equal times keep title order.
+    m_recent.clear();
+    for (ServiceRecord* service : m_store.fetchAllServices(false)) {
+        const auto place = std::find_if(m_recent.begin(), m_recent.end(), [&](const auto* kept) {
+            return kept->updatedAt < service->updatedAt;
+        });
+        if (place == m_recent.end() && m_recent.size() >= recentLimit) {
+            continue;
+        }
+        m_recent.insert(place, service);
+        if (m_recent.size() > recentLimit) {
+            m_recent.pop_back();
+        }
+    }
+}
+
+void DashboardScreen::makeCostsDue() {
+    m_costsDue.clear();
+    m_hasCostsDue = false;
+    // Where each month of the window begins, and where the window ends.
+    std::array<Instant, chartMonths + 1> starts{};
+    const std::optional<Instant> first = m_calendar.startOfMonth(m_calendar.now());
+    if (!first) {
+        return;
+    }
+    for (int month = 0; month <= chartMonths; ++month) {
+        const std::optional<Instant> start =
+            m_calendar.adding(UserCalendar::Unit::month, month, *first);
+        if (!start) {
+            return;
+        }
+        starts[static_cast<std::size_t>(month)] = *start;
+    }
+
+    std::array<Decimal, chartMonths> due{};
+    for (const ServiceRecord* service : m_store.fetchAllServices(false)) {
+        if (!service->expirationDate || *service->expirationDate < starts.front() ||
+            *service->expirationDate >= starts.back()) {
+            continue;
+        }
+        const int step = service->billingCycle().renewalMonths();
+        const Decimal amount = service->effectiveMonthlyCost() * Decimal(step);
+        if (amount <= Decimal()) {
+            continue;
+        }
+        // Calendar arithmetic keeps the month exact (31 January plus a month is still February),
+        // so every later renewal lands `step` months further on.
+        int month = static_cast<int>(
+            std::upper_bound(starts.begin(), starts.end(), *service->expirationDate) -
+            starts.begin() - 1);
+        for (; month < chartMonths; month += step) {
+            due[static_cast<std::size_t>(month)] += amount;
+        }
+    }
+
+    const Decimal largest = *std::max_element(due.begin(), due.end());
+    m_hasCostsDue = largest > Decimal();
+    const MonthWriter shortMonth(m_calendar, u"MMM");
+    const MonthWriter longMonth(m_calendar, u"MMMMy");
+    for (std::size_t month = 0; month < due.size(); ++month) {
+        const std::string amount = currencyFormatted(due[month]);
+        m_costsDue.push_back({shortMonth.write(starts[month]), amount,
+                              ChartBar::fractionOf(due[month], largest), Palette::Color::blue,
+                              longMonth.write(starts[month]) + ": " + amount + " due"});
+    }
+}
+
+void DashboardScreen::open(ServiceRecord& service) {
+    m_state.navigateTo(service);
+}
+
+void DashboardScreen::viewAll() {
+    m_state.setSelectedSidebarItem(SidebarItem::expiringSoon);
+}
+
+} // namespace vorlane

@@ -1,0 +1,117 @@
+#pragma once
+
+#include "model/Palette.h"
+#include "screens/ChartBar.h"
+#include "screens/StatCard.h"
+#include "util/Decimal.h"
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vorlane {
+
+class DataStore;
+struct ServiceRecord;
+
+// The "Expense Overview" screen: what the vault's services cost each month and year, in four
+// summary cards and in cards grouped by organization, provider or service type, with a bar chart
+// of the groups' monthly costs.
+//
+// Only services that are not archived and carry a cost (a monthly or yearly amount above zero)
+// count. Built from the store on construction and on `reload` (the widget calls it whenever the
+// store changes); the records it points to belong to the store and stay valid until the next
+// change. Main thread only.
+class ExpenseScreen {
+public:
+    enum class GroupBy { organization, provider, type };
+    static constexpr std::array<GroupBy, 3> groupings{GroupBy::organization, GroupBy::provider,
+                                                      GroupBy::type};
+    // "By Organization", "By Provider", "By Service Type".
+    static std::string_view label(GroupBy groupBy);
+
+    static constexpr std::string_view title = "Expense Overview";
+    static constexpr std::string_view subtitle = "Track recurring costs across all organizations";
+    static constexpr std::string_view groupByTitle = "Group by";
+    // More groups than this and the chart keeps the costliest ones, in card order, and adds up
+    // the rest in one last bar: a bar per organization of a large agency reads as noise.
+    static constexpr std::size_t chartBarLimit = 16;
+
+    // One service in a card: the kind's icon in its tint, the title, the billing cycle and the
+    // effective monthly cost.
+    struct ServiceLine {
+        ServiceRecord* service = nullptr;
+        std::string_view typeIcon;
+        Palette::Color typeTint = Palette::Color::secondary;
+        std::string title;
+        std::string_view cycleLabel;
+        Decimal monthlyCost;
+
+        // The cost as shown. Written when drawn rather than when the screen is built: a large
+        // vault has tens of thousands of lines and only a screenful is ever on view.
+        std::string costText() const;
+        // "Main VPS, Monthly, $12.9 a month".
+        std::string accessibleText() const;
+    };
+
+    // One group: its title ("No Provider" for services without one) with an icon and colour, its
+    // monthly and yearly amounts, and its services, costliest first (equal costs keep title order).
+    struct Card {
+        std::string title;
+        std::string_view icon;
+        Palette::Color color = Palette::Color::secondary;
+        Decimal monthly;
+        Decimal yearly;
+        std::string monthlyText;
+        std::string yearlyText;
+        std::vector<ServiceLine> services;
+
+        // "Acme Corp: $120 a month, $1,440 a year, 3 services".
+        std::string accessibleText() const;
+    };
+
+    explicit ExpenseScreen(DataStore& store, GroupBy groupBy = GroupBy::organization);
+
+    // Reads the store again.
+    void reload();
+
+    GroupBy groupBy() const { return m_groupBy; }
+    // Regroups the cards and the chart; the summary stays as it is.
+    void setGroupBy(GroupBy groupBy);
+
+    // "Monthly Total", "Yearly Estimate", "Paid Services", "Organizations".
+    const std::vector<StatCard>& summary() const { return m_summary; }
+    const std::vector<Card>& cards() const { return m_cards; }
+
+    // "Monthly Cost by Organization" and so on, after the grouping.
+    std::string chartTitle() const;
+    // One bar per card in card order (see `chartBarLimit`), the length by monthly amount.
+    const std::vector<ChartBar>& chart() const { return m_chart; }
+
+    std::size_t paidServiceCount() const { return m_paidServices.size(); }
+    std::size_t organizationCount() const { return m_organizationCount; }
+
+private:
+    struct PaidService {
+        ServiceRecord* service;
+        Decimal monthlyCost; // effective, worked out once per reload
+    };
+
+    void group();
+    void groupByOrganization();
+    void groupByProvider();
+    void groupByType();
+    void makeChart();
+
+    DataStore& m_store;
+    GroupBy m_groupBy;
+    std::vector<PaidService> m_paidServices; // in the store's title order
+    std::size_t m_organizationCount = 0;
+    std::vector<StatCard> m_summary;
+    std::vector<Card> m_cards;
+    std::vector<ChartBar> m_chart;
+};
+
+} // namespace vorlane

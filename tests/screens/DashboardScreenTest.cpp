@@ -1,0 +1,201 @@
+#include "screens/DashboardScreen.h"
+
+#include "ScreenFixture.h"
+#include "model/Organization.h"
+#include "model/ServiceRecord.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+namespace vorlane::testing {
+namespace {
+
+using namespace std::chrono_literals;
+using ::testing::ElementsAre;
+
+Decimal money(const char* text) {
+    return Decimal::fromString(text).value();
+}
+
+class DashboardScreenTest : public ScreenFixture {
+protected:
+    DashboardScreen screen() { return DashboardScreen(store(), m_state, m_calendar); }
+
+    ServiceRecord& expiring(Organization& owner, const std::string& title, Instant date) {
+        return addService(owner, title,
+                          [date](ServiceRecord& service) { service.expirationDate = date; });
+    }
+
+    Instant daysFromNow(int days, std::chrono::milliseconds plus = 0ms) {
+        return *m_calendar.adding(UserCalendar::Unit::day, days, m_clock.now()) + plus;
+    }
+
+    void archive(ServiceRecord& service) {
+        service.isArchived = true;
+        store().noteChanged(service);
+    }
+
+    static std::vector<std::string> titles(const std::vector<ServiceRecord*>& services) {
+        std::vector<std::string> result;
+        for (const ServiceRecord* service : services) {
+            result.push_back(service->title);
+        }
+        return result;
+    }
+    static std::vector<std::string> alertTexts(const DashboardScreen& dashboard) {
+        std::vector<std::string> result;
+        for (const DashboardScreen::Alert& alert : dashboard.alerts()) {
+            result.push_back(alert.title + ": " + alert.message + " [" +
+                             std::string(alert.level.rawValue()) + "]");
+        }
+        return result;
+    }
+};
+
+TEST_F(DashboardScreenTest, EmptyVaultShowsZerosFormattedAmountsAndNoRows) {
+    const DashboardScreen dashboard = screen();
+    std::vector<std::string> stats;
+    for (const StatCard& card : dashboard.stats()) {
+        stats.push_back(card.title + "=" + card.value);
+    }
+    EXPECT_THAT(stats, ElementsAre("Organizations=0", "Active Services=0", "Monthly Spend=$0",
+                                   "Yearly Estimate=$0"));
+    EXPECT_FALSE(dashboard.showsAlerts());
+    EXPECT_TRUE(dashboard.expiringThisMonth().empty());
+    EXPECT_TRUE(dashboard.recentlyUpdated().empty());
+    // The chart still has its twelve months, from this one on, but nothing to draw.
+    EXPECT_FALSE(dashboard.hasCostsDue());
+    ASSERT_EQ(dashboard.costsDue().size(), 12U);
+    EXPECT_EQ(dashboard.costsDue().front().label, "Mar");
+    EXPECT_EQ(dashboard.costsDue().back().label, "Feb");
+    EXPECT_EQ(dashboard.costsDue().front().valueText, "$0");
+}
+
+TEST_F(DashboardScreenTest, StatsCountOrganizationsThatAreNotArchivedAndUseTheStoreTotals) {
+    Organization& acme = addOrganization("Acme");
+    Organization& old = addOrganization("Old Client");
+    addService(acme, "VPS", [](ServiceRecord& service) { service.monthlyCost = money("1234.5"); });
+    addService(old, "Mailbox", [](ServiceRecord& service) { service.monthlyCost = money("9"); });
+    addService(acme, "Warned", [](ServiceRecord& service) {
+        service.setStatus(ServiceStatus::warning);
+        service.yearlyCost = money("100");
+        service.setBillingCycle(BillingCycle::annual);
+    });
+    old.isArchived = true;
+    store().noteChanged(old);
+
+    const DashboardScreen dashboard = screen();
+    ASSERT_EQ(dashboard.stats().size(), 4U);
+    EXPECT_EQ(dashboard.stats()[0].value, "1");
+    // Active services count whatever the organization; money skips the archived one.
+    EXPECT_EQ(dashboard.stats()[1].value, "2");
+    EXPECT_EQ(dashboard.stats()[2].value, "$1,242.83");
+    EXPECT_EQ(dashboard.stats()[3].value, "$14,914");
+    EXPECT_EQ(dashboard.stats()[2].icon, "dollarsign.circle");
+    EXPECT_EQ(dashboard.stats()[3].color, Palette::Color::purple);
+    EXPECT_EQ(dashboard.stats()[2].accessibleText(), "Monthly Spend: $1,242.83");
+}
+
+TEST_F(DashboardScreenTest, AlertsListExpiredThenTheNextThreeDaysWithLevelsFixedBySection) {
+    Organization& acme = addOrganization("Acme");
+    expiring(acme, "Lapsed an hour ago", m_clock.now() - 1h);
+    expiring(acme, "Lapsed last week", daysFromNow(-7));
+    expiring(acme, "Three days away", daysFromNow(3));
+    // Its own state is "upcoming" (2 whole days), but the banner is critical.
+    expiring(acme, "Two and a half days", daysFromNow(2, 12h));
+    expiring(acme, "Just past three days", daysFromNow(3, 1min));
+    expiring(acme, "Next month", daysFromNow(30, -1min));
+    expiring(acme, "Far away", daysFromNow(31));
+    archive(expiring(acme, "Archived and lapsed", daysFromNow(-1)));
+    archive(expiring(acme, "Archived and due", daysFromNow(1)));
+
+    DashboardScreen dashboard = screen();
+    EXPECT_THAT(alertTexts(dashboard),
+                ElementsAre("Lapsed last week: Expired [expired]",
+                            "Lapsed an hour ago: Expired [expired]",
+                            "Two and a half days: Expires in 2 day(s) [critical]",
+                            "Three days away: Expires in 3 day(s) [critical]"));
+    EXPECT_EQ(dashboard.alerts()[2].accessibleText(),
+              "Alert: Two and a half days, Expires in 2 day(s)");
+    // The three-day service is in both places.
+    EXPECT_THAT(titles(dashboard.expiringThisMonth()),
+                ElementsAre("Two and a half days", "Three days away", "Just past three days",
+                            "Next month"));
+
+    // A banner opens its service; "View All" switches the sidebar.
+    m_state.setSelectedSidebarItem(SidebarItem::allExpenses);
+    dashboard.open(*dashboard.alerts()[0].service);
+    EXPECT_EQ(m_state.selectedService(), dashboard.alerts()[0].service);
+    EXPECT_EQ(m_state.selectedOrganization(), &acme);
+    m_state.setSelectedService(nullptr);
+    dashboard.viewAll();
+    EXPECT_EQ(m_state.selectedSidebarItem(), SidebarItem::expiringSoon);
+}
+
+TEST_F(DashboardScreenTest, RecentlyUpdatedKeepsTheFiveLatestNewestFirstAndTitleOrderOnTies) {
+    Organization& acme = addOrganization("Acme");
+    const Instant now = m_clock.now();
+    // Titles in store (title) order are A..G; their update times are shuffled.
+    const std::vector<std::pair<std::string, std::chrono::hours>> updates{
+        {"A", 5h}, {"B", 1h}, {"C", 7h}, {"D", 3h}, {"E", 3h}, {"F", 6h}, {"G", 2h}};
+    for (const auto& [title, age] : updates) {
+        addService(acme, title, [&](ServiceRecord& service) { service.updatedAt = now - age; });
+    }
+    archive(addService(acme, "Archived", [&](ServiceRecord& s) { s.updatedAt = now; }));
+
+    DashboardScreen dashboard = screen();
+    // B (1h), G (2h), then D and E both 3h old in title order, then A (5h); F and C are older.
+    EXPECT_THAT(titles(dashboard.recentlyUpdated()), ElementsAre("B", "G", "D", "E", "A"));
+
+    // An edit moves a service to the front once the dashboard reads the store again.
+    ServiceRecord& c = *store().fetchAllServices()[2];
+    c.updatedAt = now;
+    store().noteChanged(c);
+    dashboard.reload();
+    EXPECT_THAT(titles(dashboard.recentlyUpdated()), ElementsAre("C", "B", "G", "D", "E"));
+}
+
+TEST_F(DashboardScreenTest, CostsDueFallInTheMonthOfEachRenewalAlongTheCycle) {
+    Organization& acme = addOrganization("Acme");
+    const auto add = [&](const std::string& title, Instant date, const char* monthly,
+                         const char* yearly, BillingCycle cycle) -> ServiceRecord& {
+        return addService(acme, title, [&](ServiceRecord& service) {
+            service.expirationDate = date;
+            service.monthlyCost = money(monthly);
+            service.yearlyCost = money(yearly);
+            service.setBillingCycle(cycle);
+        });
+    };
+    add("Monthly", utc(2026, 3, 20, 12), "10", "0", BillingCycle::monthly);
+    // 120 a year paid quarterly: 30 at each renewal, in April, July, October and January.
+    add("Quarterly", utc(2026, 4, 5, 12), "0", "120", BillingCycle::quarterly);
+    // 02:00 UTC on 1 April is still 31 March in New York: a year's 60 falls in March.
+    add("Late March", utc(2026, 4, 1, 2), "5", "0", BillingCycle::annual);
+    // Lapsed this month: still due this month. Lapsed before it: left out.
+    add("Earlier this month", utc(2026, 3, 2, 12), "1", "0", BillingCycle::monthly);
+    add("Lapsed in February", utc(2026, 2, 20, 12), "7", "0", BillingCycle::monthly);
+    add("Beyond the window", utc(2027, 3, 1, 6), "0", "100", BillingCycle::annual);
+    add("No cost", utc(2026, 3, 15, 12), "0", "0", BillingCycle::monthly);
+    add("One-off", utc(2026, 3, 15, 12), "0", "80", BillingCycle::oneTime);
+    archive(add("Archived", utc(2026, 3, 15, 12), "50", "0", BillingCycle::monthly));
+
+    const DashboardScreen dashboard = screen();
+    ASSERT_TRUE(dashboard.hasCostsDue());
+    std::vector<std::string> months;
+    for (const ChartBar& bar : dashboard.costsDue()) {
+        months.push_back(bar.label + " " + bar.valueText);
+    }
+    EXPECT_THAT(months,
+                ElementsAre("Mar $71", "Apr $41", "May $11", "Jun $11", "Jul $41", "Aug $11",
+                            "Sep $11", "Oct $41", "Nov $11", "Dec $11", "Jan $41", "Feb $11"));
+    EXPECT_DOUBLE_EQ(dashboard.costsDue()[0].fraction, 1.0);
+    EXPECT_NEAR(dashboard.costsDue()[1].fraction, 41.0 / 71.0, 1e-12);
+    EXPECT_EQ(dashboard.costsDue()[0].accessibleText, "March 2026: $71 due");
+    EXPECT_EQ(dashboard.costsDue()[10].accessibleText, "January 2027: $41 due");
+}
+
+} // namespace
+} // namespace vorlane::testing
