@@ -4,7 +4,10 @@
 #include "model/ServiceRecord.h"
 #include "store/DataStore.h"
 #include "util/UserCalendar.h"
+#include "util/Uuid.h"
 
+#include <optional>
+#include <string>
 #include <utility>
 
 namespace vorlane {
@@ -65,6 +68,50 @@ void ServiceActions::restore(ServiceRecord& service) const {
     service.isArchived = false;
     service.setStatus(ServiceStatus::active);
     m_store.noteChanged(service);
+}
+
+void ServiceActions::edit(ServiceRecord& service) const {
+    m_state.setEditingService(&service);
+    m_state.setShowingNewService(true);
+}
+
+ServiceRecord* ServiceActions::duplicate(const ServiceRecord& source) const {
+    if (source.organization == nullptr) {
+        return nullptr;
+    }
+    ServiceRecord copy = source;
+    copy.id = Uuid::generate();
+    copy.organization = nullptr;
+    copy.title += " (Copy)";
+    // Re-read through the accessors: an unknown stored value becomes its fallback case.
+    copy.setServiceType(source.serviceType());
+    copy.setBillingCycle(source.billingCycle());
+    copy.setRiskLevel(source.riskLevel());
+    // A copy is a new, live service: an archived source does not make an archived copy.
+    copy.setStatus(ServiceStatus::active);
+    copy.isArchived = false;
+    copy.createdAt = m_calendar.now();
+    copy.updatedAt = copy.createdAt;
+    // A fresh identifier only for a secret the source has: a copy of a service without an API
+    // key must not grow an empty "API Key" row.
+    copy.secretKeychainID =
+        source.secretKeychainID.empty() ? std::string() : ServiceRecord::makeSecretKeychainID();
+    copy.apiKeyKeychainID =
+        source.apiKeyKeychainID.empty() ? std::string() : ServiceRecord::makeAPIKeyKeychainID();
+
+    // The secrets first, so that a refusal leaves neither a record nor a stray item behind.
+    const std::optional<std::string> password = m_store.getPassword(source);
+    const std::optional<std::string> apiKey = m_store.getAPIKey(source);
+    const bool stored = (!password || m_store.setPassword(*password, copy)) &&
+                        (!apiKey || m_store.setAPIKey(*apiKey, copy));
+    if (!stored) {
+        m_store.deleteServiceSecrets(copy);
+        return nullptr;
+    }
+    ServiceRecord& inserted = m_store.insert(std::move(copy), *source.organization);
+    m_store.save();
+    m_state.setSelectedService(&inserted);
+    return &inserted;
 }
 
 std::string ServiceActions::deleteConfirmationMessage(const ServiceRecord& service) {

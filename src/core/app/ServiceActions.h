@@ -27,6 +27,16 @@ public:
     void archive(ServiceRecord& service) const;
     void restore(ServiceRecord& service) const;
 
+    // Opens the service form on this service.
+    void edit(ServiceRecord& service) const;
+
+    // A copy in the same organization: every field the same but the title (followed by
+    // " (Copy)"), a fresh id, status active and not archived, created and updated now, and the
+    // password and API key stored under fresh identifiers (only those the source has). Saves and
+    // shows the copy. Nothing (and nothing stored) when the source has no organization or the
+    // secret store refuses a secret.
+    ServiceRecord* duplicate(const ServiceRecord& source) const;
+
     // "This will permanently delete "<title>" and its secrets. This cannot be undone."
     static std::string deleteConfirmationMessage(const ServiceRecord& service);
     // Removes the service's secrets, then the record, saves, and drops every reference the
