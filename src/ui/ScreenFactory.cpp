@@ -5,6 +5,7 @@
 #include "screens/ArchiveView.h"
 #include "screens/GlobalSearchView.h"
 #include "screens/PlaceholderScreen.h"
+#include "screens/SettingsView.h"
 
 #include <QDialog>
 #include <QDialogButtonBox>
@@ -68,15 +69,23 @@ QDialog* ScreenFactory::createSheet(Sheet sheet, AppContext& context, QWidget* p
         return placeholderSheet("doc.on.clipboard", QStringLiteral("Smart Paste"), parent);
     case Sheet::shareFlow:
         return placeholderSheet("paperplane", QStringLiteral("Share"), parent);
-    case Sheet::settings:
-        return placeholderSheet("gear", QStringLiteral("Settings"), parent);
+    case Sheet::settings: {
+        // The same tabs as the settings window; Escape or the title bar closes it.
+        auto* dialog = new QDialog(parent);
+        dialog->setWindowTitle(QStringLiteral("Settings"));
+        auto* layout = new QVBoxLayout(dialog);
+        layout->setSizeConstraint(QLayout::SetFixedSize);
+        layout->addWidget(new SettingsView(context));
+        return dialog;
+    }
     }
     return nullptr;
 }
 
 QWidget* ScreenFactory::createSettingsWindow(AppContext& context) {
-    (void)context;
-    return new PlaceholderScreen("gear", QStringLiteral("Settings"));
+    auto* window = new SettingsView(context);
+    window->setWindowTitle(QStringLiteral("Settings"));
+    return window;
 }
 
 } // namespace vorlane
