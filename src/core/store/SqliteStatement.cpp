@@ -66,10 +66,15 @@ bool SqliteStatement::isNull(int column) const {
 }
 
 std::string SqliteStatement::text(int column) const {
+    return std::string(textView(column));
+}
+
+std::string_view SqliteStatement::textView(int column) const {
     const auto* data = sqlite3_column_text(m_statement, column);
     const int size = sqlite3_column_bytes(m_statement, column);
-    return data ? std::string(reinterpret_cast<const char*>(data), static_cast<std::size_t>(size))
-                : std::string();
+    return data ? std::string_view(reinterpret_cast<const char*>(data),
+                                   static_cast<std::size_t>(size))
+                : std::string_view();
 }
 
 std::int64_t SqliteStatement::integer(int column) const {

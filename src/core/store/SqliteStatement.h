@@ -38,6 +38,7 @@ public:
 
     bool isNull(int column) const;
     std::string text(int column) const;
+    std::string_view textView(int column) const; // valid until the next step
     std::int64_t integer(int column) const;
     std::optional<std::int64_t> optionalInteger(int column) const;
     std::span<const std::uint8_t> bytes(int column) const; // valid until the next step

@@ -21,16 +21,6 @@ struct VaultContext::OrganizationEntry {
     mutable Decimal yearlyCost;
 };
 
-struct VaultContext::ServiceEntry {
-    std::unique_ptr<ServiceRecord> record;
-    std::uint64_t sequence = 0;
-    std::uint32_t slot = 0; // its row in m_rows
-    bool inTitleOrder = false;
-    std::string sortKey;
-    std::optional<ExpirationKey> expirationKey; // set while in the expiration index
-    bool countedActive = false;
-};
-
 namespace {
 
 template <typename Record> void eraseFrom(std::vector<Record*>& list, const Record* record) {
@@ -81,28 +71,25 @@ Organization& VaultContext::insert(std::unique_ptr<Organization> organization, b
     return record;
 }
 
-ServiceRecord& VaultContext::insert(std::unique_ptr<ServiceRecord> service, Organization* owner,
-                                    bool pending) {
-    auto entry = std::make_unique<ServiceEntry>();
-    entry->record = std::move(service);
-    entry->sequence = m_nextSequence++;
-    ServiceRecord& record = *entry->record;
-    record.organization = owner;
+ServiceRecord& VaultContext::insert(ServiceRecord service, Organization* owner, bool pending) {
+    service.organization = owner;
+    const std::uint32_t slot = m_services.add(std::move(service));
+    ServiceRecord& record = m_services[slot];
+    if (slot == m_serviceIndex.size()) {
+        m_serviceIndex.emplace_back();
+    }
+    ServiceIndex& entry = m_serviceIndex[slot];
+    entry = ServiceIndex();
+    entry.used = true;
+    entry.sequence = m_nextSequence++;
+    entry.id = record.id;
     if (owner) {
         owner->services.push_back(&record);
         invalidateCosts(owner);
     }
-    if (m_freeRows.empty()) {
-        entry->slot = static_cast<std::uint32_t>(m_rows.size());
-        m_rows.emplace_back();
-    } else {
-        entry->slot = m_freeRows.back();
-        m_freeRows.pop_back();
-    }
-    m_rows[entry->slot].service = &record;
-    index(*entry);
-    m_servicesById[record.id] = &record;
-    m_services.emplace(&record, std::move(entry));
+    m_titleOrder.add(slot);
+    index(slot);
+    m_servicesById.insert(record.id, slot, idOfSlot());
     if (pending) {
         m_pendingServices.insert(&record);
     }
@@ -124,14 +111,16 @@ ShareRecord& VaultContext::insert(std::unique_ptr<ShareRecord> share, Organizati
 }
 
 void VaultContext::reserve(std::size_t organizations, std::size_t services) {
-    // Folded texts average well under 256 bytes per service.
-    constexpr std::size_t textBytesPerService = 256;
+    // Folded texts and title keys average well under 256 bytes per service.
+    constexpr std::size_t stringBytesPerService = 256;
     m_organizations.reserve(organizations);
     m_organizationsById.reserve(organizations);
     m_services.reserve(services);
+    m_serviceIndex.reserve(services);
     m_servicesById.reserve(services);
-    m_rows.reserve(services);
-    m_texts.reserve(services * textBytesPerService);
+    m_titleOrder.reserve(services);
+    m_expirationOrder.reserve(services);
+    m_strings.reserve(services * stringBytesPerService);
 }
 
 void VaultContext::remove(Organization& organization) {
@@ -173,19 +162,18 @@ void VaultContext::remove(ShareRecord& share) {
 }
 
 void VaultContext::forgetService(ServiceRecord& service) {
-    ServiceEntry& entry = entryOf(service);
-    unindex(entry);
-    if (entry.inTitleOrder) {
-        m_servicesByTitle.erase(&entry);
-        m_ranksStale = true;
+    const std::uint32_t slot = slotOf(service);
+    unindex(slot);
+    m_titleOrder.remove(slot, TitleLess{this});
+    ServiceIndex& entry = m_serviceIndex[slot];
+    dropString(entry.textLength);
+    if (entry.hasKey) {
+        dropString(entry.keyLength);
     }
-    SearchRow& row = m_rows[entry.slot];
-    m_garbageTextBytes += row.textLength;
-    row = SearchRow();
-    m_freeRows.push_back(entry.slot);
     m_pendingServices.erase(&service);
-    m_servicesById.erase(service.id);
-    m_services.erase(&service);
+    m_servicesById.erase(entry.id, idOfSlot());
+    entry = ServiceIndex();
+    m_services.remove(slot);
 }
 
 void VaultContext::noteChanged(Organization& organization) {
@@ -197,9 +185,22 @@ void VaultContext::noteChanged(Organization& organization) {
 }
 
 void VaultContext::noteChanged(ServiceRecord& service) {
-    ServiceEntry& entry = entryOf(service);
-    unindex(entry);
-    index(entry);
+    const std::uint32_t slot = slotOf(service);
+    unindex(slot);
+    // The title order changes only when the title's key does: most edits leave it alone. A
+    // service without a key yet is still unsorted and gets one from its title when sorted.
+    ServiceIndex& entry = m_serviceIndex[slot];
+    if (entry.hasKey) {
+        const std::string key = m_order.sortKey(service.title);
+        if (key != std::string_view(m_strings).substr(entry.keyOffset, entry.keyLength)) {
+            m_titleOrder.remove(slot, TitleLess{this});
+            dropString(entry.keyLength);
+            entry.keyOffset = appendString(key);
+            entry.keyLength = static_cast<std::uint32_t>(key.size());
+            m_titleOrder.add(slot);
+        }
+    }
+    index(slot);
     invalidateCosts(service.organization);
     m_pendingServices.insert(&service);
 }
@@ -218,7 +219,7 @@ void VaultContext::moveService(ServiceRecord& service, Organization& newOwner) {
         invalidateCosts(service.organization);
     }
     service.organization = &newOwner;
-    m_rows[entryOf(service).slot].owner = &newOwner;
+    m_serviceIndex[slotOf(service)].owner = &newOwner;
     newOwner.services.push_back(&service);
     invalidateCosts(&newOwner);
     m_pendingServices.insert(&service);
@@ -245,7 +246,7 @@ VaultContext::Changes VaultContext::changes() const {
         return entryOf(*record).sequence;
     });
     changes.services = inOrder(m_pendingServices, [this](const ServiceRecord* record) {
-        return entryOf(*record).sequence;
+        return m_serviceIndex[slotOf(*record)].sequence;
     });
     changes.shares = inOrder(
         m_pendingShares, [this](const ShareRecord* record) { return m_shares.at(record).second; });
@@ -283,8 +284,8 @@ Organization* VaultContext::organization(const Uuid& id) const {
 }
 
 ServiceRecord* VaultContext::service(const Uuid& id) const {
-    const auto found = m_servicesById.find(id);
-    return found == m_servicesById.end() ? nullptr : found->second;
+    const std::optional<std::uint32_t> slot = m_servicesById.find(id, idOfSlot());
+    return slot ? &m_services[*slot] : nullptr;
 }
 
 void VaultContext::forEachOrganizationByName(
@@ -295,13 +296,12 @@ void VaultContext::forEachOrganizationByName(
 }
 
 std::vector<ServiceRecord*> VaultContext::servicesByTitle(bool includeArchived) const {
-    rankByTitle();
+    const std::vector<std::uint32_t>& slots = slotsByTitle();
     std::vector<ServiceRecord*> result;
-    result.reserve(m_slotsByTitle.size());
-    for (const std::uint32_t slot : m_slotsByTitle) {
-        const SearchRow& row = m_rows[slot];
-        if (includeArchived || !row.archived) {
-            result.push_back(row.service);
+    result.reserve(slots.size());
+    for (const std::uint32_t slot : slots) {
+        if (includeArchived || !m_serviceIndex[slot].archived) {
+            result.push_back(&m_services[slot]);
         }
     }
     return result;
@@ -315,22 +315,38 @@ std::vector<ServiceRecord*> VaultContext::servicesMatching(std::string_view fold
             matchingOwners.insert(organization);
         }
     }
-    rankByTitle();
-    std::vector<std::pair<std::uint32_t, ServiceRecord*>> matches;
-    const std::string_view texts(m_texts);
-    for (std::size_t slot = 0; slot < m_rows.size(); ++slot) {
-        const SearchRow& row = m_rows[slot];
-        if (row.service && !row.archived &&
-            (SearchText::contains(texts.substr(row.textOffset, row.textLength), foldedQuery) ||
-             (!matchingOwners.empty() && matchingOwners.contains(row.owner)))) {
-            matches.emplace_back(m_titleRankOfSlot[slot], row.service);
+    std::vector<std::uint32_t> matches;
+    const std::string_view strings(m_strings);
+    for (std::uint32_t slot = 0; slot < m_services.slotCount(); ++slot) {
+        const ServiceIndex& entry = m_serviceIndex[slot];
+        if (entry.used && !entry.archived &&
+            (SearchText::contains(strings.substr(entry.textOffset, entry.textLength),
+                                  foldedQuery) ||
+             (!matchingOwners.empty() && matchingOwners.contains(entry.owner)))) {
+            matches.push_back(slot);
         }
     }
-    std::sort(matches.begin(), matches.end());
+    // A store searched again and again (as someone types) ranks the matches by the whole title
+    // order, made at the second search in a row that finds it out of date. A single search (a
+    // command) only needs title keys for its matches, which is less work than ordering every
+    // service.
+    if (!m_titleOrder.isSorted() && ++m_searchesWithoutTitleOrder > 1) {
+        slotsByTitle();
+    }
+    if (m_titleOrder.isSorted()) {
+        const std::vector<std::uint32_t>& ranks = titleRankOfSlot();
+        std::sort(matches.begin(), matches.end(),
+                  [&](std::uint32_t a, std::uint32_t b) { return ranks[a] < ranks[b]; });
+    } else {
+        for (const std::uint32_t slot : matches) {
+            makeTitleKey(slot);
+        }
+        std::sort(matches.begin(), matches.end(), TitleLess{this});
+    }
     std::vector<ServiceRecord*> result;
     result.reserve(matches.size());
-    for (const auto& match : matches) {
-        result.push_back(match.second);
+    for (const std::uint32_t slot : matches) {
+        result.push_back(&m_services[slot]);
     }
     return result;
 }
@@ -346,10 +362,13 @@ std::vector<Organization*> VaultContext::organizationsMatching(std::string_view 
 }
 
 std::vector<ServiceRecord*> VaultContext::servicesExpiringBefore(Instant end) const {
+    const std::vector<std::uint32_t>& slots = slotsByExpiration();
+    const auto last = std::partition_point(slots.begin(), slots.end(), [&](std::uint32_t slot) {
+        return m_serviceIndex[slot].expiration < end;
+    });
     std::vector<ServiceRecord*> result;
-    const auto last = m_servicesByExpiration.lower_bound({end, 0});
-    for (auto it = m_servicesByExpiration.begin(); it != last; ++it) {
-        result.push_back(it->second);
+    for (auto it = slots.begin(); it != last; ++it) {
+        result.push_back(&m_services[*it]);
     }
     return result;
 }
@@ -360,10 +379,15 @@ std::vector<ServiceRecord*> VaultContext::servicesExpiringWithin(Instant after,
     if (upTo <= after) {
         return result;
     }
-    const auto first = m_servicesByExpiration.lower_bound({after + Instant::duration(1), 0});
-    const auto last = m_servicesByExpiration.lower_bound({upTo + Instant::duration(1), 0});
-    for (auto it = first; it != last; ++it) {
-        result.push_back(it->second);
+    const std::vector<std::uint32_t>& slots = slotsByExpiration();
+    const auto notAfter = [&](Instant limit) {
+        return std::partition_point(slots.begin(), slots.end(), [&](std::uint32_t slot) {
+            return m_serviceIndex[slot].expiration <= limit;
+        });
+    };
+    const auto last = notAfter(upTo);
+    for (auto it = notAfter(after); it != last; ++it) {
+        result.push_back(&m_services[*it]);
     }
     return result;
 }
@@ -402,37 +426,17 @@ void VaultContext::unindex(OrganizationEntry& entry) {
     m_organizationsByName.erase(&entry);
 }
 
-void VaultContext::index(ServiceEntry& entry) {
-    const ServiceRecord& service = *entry.record;
-    // The title order changes only when the title's key does: most edits leave it alone.
-    std::string sortKey = m_order.sortKey(service.title);
-    if (!entry.inTitleOrder || sortKey != entry.sortKey) {
-        if (entry.inTitleOrder) {
-            m_servicesByTitle.erase(&entry);
-        }
-        entry.sortKey = std::move(sortKey);
-        m_servicesByTitle.insert(&entry);
-        entry.inTitleOrder = true;
-        m_ranksStale = true;
-    }
-    std::string text;
-    for (const std::string* field :
-         {&service.title, &service.provider, &service.hostname, &service.domain, &service.ipAddress,
-          &service.username, &service.emailAddress, &service.notes}) {
-        appendField(text, *field);
-    }
-    text += joinedTags(service.tags);
-    // The kind is found by the value stored for it ("domainRegistrar"), as typed by people who
-    // search for "ssh" or "domain".
-    appendField(text, service.serviceTypeRaw);
-    setSearchText(entry.slot, SearchText::fold(text));
-    SearchRow& row = m_rows[entry.slot];
-    row.owner = service.organization;
-    row.archived = service.isArchived;
+void VaultContext::index(std::uint32_t slot) {
+    const ServiceRecord& service = m_services[slot];
+    ServiceIndex& entry = m_serviceIndex[slot];
+    setSearchText(slot);
+    entry.owner = service.organization;
+    entry.archived = service.isArchived;
     if (!service.isArchived) {
         if (service.expirationDate) {
-            entry.expirationKey = ExpirationKey{*service.expirationDate, entry.sequence};
-            m_servicesByExpiration.emplace(*entry.expirationKey, entry.record.get());
+            entry.expiration = *service.expirationDate;
+            entry.inExpirationOrder = true;
+            m_expirationOrder.add(slot);
         }
         if (service.status() == ServiceStatus::active) {
             entry.countedActive = true;
@@ -442,11 +446,12 @@ void VaultContext::index(ServiceEntry& entry) {
 }
 
 // Takes the service out of the indexes that depend on fields other than the title; the title
-// order is updated by `index` only when the title's key changed.
-void VaultContext::unindex(ServiceEntry& entry) {
-    if (entry.expirationKey) {
-        m_servicesByExpiration.erase(*entry.expirationKey);
-        entry.expirationKey.reset();
+// order is updated by `noteChanged` only when the title's key changed.
+void VaultContext::unindex(std::uint32_t slot) {
+    ServiceIndex& entry = m_serviceIndex[slot];
+    if (entry.inExpirationOrder) {
+        m_expirationOrder.remove(slot, ExpirationLess{this});
+        entry.inExpirationOrder = false;
     }
     if (entry.countedActive) {
         entry.countedActive = false;
@@ -454,44 +459,115 @@ void VaultContext::unindex(ServiceEntry& entry) {
     }
 }
 
-void VaultContext::setSearchText(std::uint32_t slot, std::string_view folded) {
-    SearchRow& row = m_rows[slot];
-    if (std::string_view(m_texts).substr(row.textOffset, row.textLength) == folded) {
-        return;
-    }
-    m_garbageTextBytes += row.textLength;
-    row.textOffset = static_cast<std::uint32_t>(m_texts.size());
-    row.textLength = static_cast<std::uint32_t>(folded.size());
-    m_texts += folded;
-    if (m_garbageTextBytes > (1u << 20) && m_garbageTextBytes > m_texts.size() / 2) {
-        compactSearchTexts();
+std::uint32_t VaultContext::appendString(std::string_view text) const {
+    const auto offset = static_cast<std::uint32_t>(m_strings.size());
+    m_strings += text;
+    return offset;
+}
+
+void VaultContext::dropString(std::uint32_t length) {
+    m_garbageBytes += length;
+    if (m_garbageBytes > (1u << 20) && m_garbageBytes > m_strings.size() / 2) {
+        compactStrings();
     }
 }
 
-void VaultContext::compactSearchTexts() {
+void VaultContext::compactStrings() {
     std::string compacted;
-    compacted.reserve(m_texts.size() - m_garbageTextBytes);
-    for (SearchRow& row : m_rows) {
-        const std::uint32_t offset = static_cast<std::uint32_t>(compacted.size());
-        compacted.append(m_texts, row.textOffset, row.textLength);
-        row.textOffset = offset;
+    compacted.reserve(m_strings.size() - m_garbageBytes);
+    const auto move = [&](std::uint32_t& offset, std::uint32_t length) {
+        const auto moved = static_cast<std::uint32_t>(compacted.size());
+        compacted.append(m_strings, offset, length);
+        offset = moved;
+    };
+    for (std::uint32_t slot = 0; slot < m_services.slotCount(); ++slot) {
+        ServiceIndex& entry = m_serviceIndex[slot];
+        if (entry.used) {
+            move(entry.textOffset, entry.textLength);
+            if (entry.hasKey) {
+                move(entry.keyOffset, entry.keyLength);
+            }
+        }
     }
-    m_texts.swap(compacted);
-    m_garbageTextBytes = 0;
+    m_strings.swap(compacted);
+    m_garbageBytes = 0;
 }
 
-void VaultContext::rankByTitle() const {
-    if (!m_ranksStale) {
+void VaultContext::setSearchText(std::uint32_t slot) {
+    const ServiceRecord& service = m_services[slot];
+    ServiceIndex& entry = m_serviceIndex[slot];
+    // The fields are joined at the end of the buffer, folded, and kept there unless the text
+    // is the one the service already has.
+    const std::size_t start = m_strings.size();
+    for (const std::string* field :
+         {&service.title, &service.provider, &service.hostname, &service.domain, &service.ipAddress,
+          &service.username, &service.emailAddress, &service.notes}) {
+        appendField(m_strings, *field);
+    }
+    for (const std::string& tag : service.tags) {
+        appendField(m_strings, tag);
+    }
+    // The kind is found by the value stored for it ("domainRegistrar"), as typed by people who
+    // search for "ssh" or "domain".
+    appendField(m_strings, service.serviceTypeRaw);
+    const std::string folded = SearchText::fold(std::string_view(m_strings).substr(start));
+    m_strings.resize(start);
+    if (folded == std::string_view(m_strings).substr(entry.textOffset, entry.textLength)) {
         return;
     }
-    m_slotsByTitle.clear();
-    m_slotsByTitle.reserve(m_servicesByTitle.size());
-    m_titleRankOfSlot.assign(m_rows.size(), 0);
-    for (const ServiceEntry* entry : m_servicesByTitle) {
-        m_titleRankOfSlot[entry->slot] = static_cast<std::uint32_t>(m_slotsByTitle.size());
-        m_slotsByTitle.push_back(entry->slot);
+    const std::uint32_t oldLength = entry.textLength;
+    entry.textOffset = appendString(folded);
+    entry.textLength = static_cast<std::uint32_t>(folded.size());
+    dropString(oldLength);
+}
+
+void VaultContext::makeTitleKey(std::uint32_t slot) const {
+    ServiceIndex& entry = m_serviceIndex[slot];
+    if (entry.hasKey) {
+        return;
     }
-    m_ranksStale = false;
+    const std::string key = m_order.sortKey(m_services[slot].title);
+    entry.keyOffset = appendString(key);
+    entry.keyLength = static_cast<std::uint32_t>(key.size());
+    entry.hasKey = true;
+}
+
+const std::vector<std::uint32_t>& VaultContext::slotsByTitle() const {
+    m_searchesWithoutTitleOrder = 0;
+    m_titleOrder.forEachUnsorted([this](std::uint32_t slot) { makeTitleKey(slot); });
+    return m_titleOrder.sorted(TitleLess{this});
+}
+
+const std::vector<std::uint32_t>& VaultContext::titleRankOfSlot() const {
+    const std::vector<std::uint32_t>& slots = slotsByTitle();
+    if (m_ranksAt != m_titleOrder.changeCount()) {
+        m_titleRanks.assign(m_services.slotCount(), 0);
+        for (std::uint32_t rank = 0; rank < slots.size(); ++rank) {
+            m_titleRanks[slots[rank]] = rank;
+        }
+        m_ranksAt = m_titleOrder.changeCount();
+    }
+    return m_titleRanks;
+}
+
+const std::vector<std::uint32_t>& VaultContext::slotsByExpiration() const {
+    return m_expirationOrder.sorted(ExpirationLess{this});
+}
+
+bool VaultContext::TitleLess::operator()(std::uint32_t a, std::uint32_t b) const {
+    const ServiceIndex& first = context->m_serviceIndex[a];
+    const ServiceIndex& second = context->m_serviceIndex[b];
+    const std::string_view strings(context->m_strings);
+    const int order = strings.substr(first.keyOffset, first.keyLength)
+                          .compare(strings.substr(second.keyOffset, second.keyLength));
+    return order != 0 ? order < 0 : first.sequence < second.sequence;
+}
+
+bool VaultContext::ExpirationLess::operator()(std::uint32_t a, std::uint32_t b) const {
+    const ServiceIndex& first = context->m_serviceIndex[a];
+    const ServiceIndex& second = context->m_serviceIndex[b];
+    return first.expiration != second.expiration ? first.expiration < second.expiration
+                                                 : first.sequence < second.sequence;
 }
 
 void VaultContext::invalidateCosts(const Organization* organization) const {
@@ -506,10 +582,10 @@ VaultContext::OrganizationEntry& VaultContext::entryOf(const Organization& organ
     return *found->second;
 }
 
-VaultContext::ServiceEntry& VaultContext::entryOf(const ServiceRecord& service) const {
-    const auto found = m_services.find(&service);
-    assert(found != m_services.end() && "the service is not in this vault");
-    return *found->second;
+std::uint32_t VaultContext::slotOf(const ServiceRecord& service) const {
+    const std::optional<std::uint32_t> slot = m_services.slotOf(&service);
+    assert(slot && "the service is not in this vault");
+    return *slot;
 }
 
 } // namespace vorlane

@@ -3,13 +3,15 @@
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 #include "model/ShareRecord.h"
+#include "store/ServiceSlots.h"
+#include "store/SlotOrder.h"
+#include "store/SlotsById.h"
 #include "util/Decimal.h"
 #include "util/Instant.h"
 #include "util/Uuid.h"
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -29,8 +31,11 @@ class LocalizedOrder;
 //
 // Owns every record; the records' relationship pointers (`ServiceRecord::organization`,
 // `Organization::services`, `shareHistory`) are kept in step here. A record's address is stable
-// from insertion until it is removed, when it is destroyed. Whoever changes a record's fields
-// calls `noteChanged` so that the indexes and the pending changes follow. Main thread only.
+// from insertion until it is removed, when it is destroyed. Services and their indexes are kept
+// flat, one slot per service (see ServiceSlots), so that loading a large vault appends to a few
+// arrays and sorts them once instead of inserting into trees one node at a time. Whoever changes a
+// record's fields calls `noteChanged` so that the indexes and the pending changes follow. Main
+// thread only.
 class VaultContext {
 public:
     // What `save` must write: records to insert or update, ids whose rows go. An organization's
@@ -55,8 +60,11 @@ public:
     // A service or share record is appended to its organization's list; `owner` may be null
     // only for rows of the file that have no organization.
     Organization& insert(std::unique_ptr<Organization> organization, bool pending = true);
+    ServiceRecord& insert(ServiceRecord service, Organization* owner, bool pending = true);
     ServiceRecord& insert(std::unique_ptr<ServiceRecord> service, Organization* owner,
-                          bool pending = true);
+                          bool pending = true) {
+        return insert(std::move(*service), owner, pending);
+    }
     ShareRecord& insert(std::unique_ptr<ShareRecord> share, Organization* owner,
                         bool pending = true);
 
@@ -116,61 +124,86 @@ public:
 
 private:
     struct OrganizationEntry;
-    struct ServiceEntry;
     struct ByKey {
         template <typename Entry> bool operator()(const Entry* a, const Entry* b) const {
             return a->sortKey != b->sortKey ? a->sortKey < b->sortKey : a->sequence < b->sequence;
         }
     };
-    using ExpirationKey = std::pair<Instant, std::uint64_t>;
+    // What the indexes know of the service in the same slot of m_services, as of its last noted
+    // change. Texts are spans of m_strings.
+    struct ServiceIndex {
+        std::uint64_t sequence = 0;
+        Uuid id; // as inserted: its key in m_servicesById
+        const Organization* owner = nullptr;
+        Instant expiration{}; // while inExpirationOrder
+        std::uint32_t textOffset = 0;
+        std::uint32_t textLength = 0;
+        std::uint32_t keyOffset = 0;
+        std::uint32_t keyLength = 0;
+        bool used = false;   // a service is in the slot
+        bool hasKey = false; // title sort keys are made when the title order is first needed
+        bool archived = false;
+        bool inExpirationOrder = false;
+        bool countedActive = false;
+    };
+    // Comparisons of slots for m_titleOrder and m_expirationOrder: ties in insertion order.
+    struct TitleLess {
+        const VaultContext* context;
+        bool operator()(std::uint32_t a, std::uint32_t b) const;
+    };
+    struct ExpirationLess {
+        const VaultContext* context;
+        bool operator()(std::uint32_t a, std::uint32_t b) const;
+    };
 
     void index(OrganizationEntry& entry);
     void unindex(OrganizationEntry& entry);
-    void index(ServiceEntry& entry);
-    void unindex(ServiceEntry& entry);
-    void setSearchText(std::uint32_t slot, std::string_view folded);
-    void compactSearchTexts();
-    void rankByTitle() const;
+    void index(std::uint32_t slot);
+    void unindex(std::uint32_t slot);
+    // Appending never moves the other strings; dropping one may compact the buffer.
+    std::uint32_t appendString(std::string_view text) const;
+    void dropString(std::uint32_t length);
+    void compactStrings();
+    void setSearchText(std::uint32_t slot);
+    void makeTitleKey(std::uint32_t slot) const;
+    const std::vector<std::uint32_t>& slotsByTitle() const;
+    const std::vector<std::uint32_t>& titleRankOfSlot() const;
+    const std::vector<std::uint32_t>& slotsByExpiration() const;
     void forgetService(ServiceRecord& service);
     void invalidateCosts(const Organization* organization) const;
     OrganizationEntry& entryOf(const Organization& organization) const;
-    ServiceEntry& entryOf(const ServiceRecord& service) const;
+    std::uint32_t slotOf(const ServiceRecord& service) const;
+    auto idOfSlot() const {
+        return [this](std::uint32_t slot) -> const Uuid& {
+            return m_serviceIndex[slot].id;
+        };
+    }
 
     const LocalizedOrder& m_order;
     std::uint64_t m_nextSequence = 0;
     std::unordered_map<const Organization*, std::unique_ptr<OrganizationEntry>> m_organizations;
-    std::unordered_map<const ServiceRecord*, std::unique_ptr<ServiceEntry>> m_services;
     // Share records with their insertion sequence.
     std::unordered_map<const ShareRecord*, std::pair<std::unique_ptr<ShareRecord>, std::uint64_t>>
         m_shares;
     std::unordered_map<Uuid, Organization*> m_organizationsById;
-    std::unordered_map<Uuid, ServiceRecord*> m_servicesById;
-
     std::set<OrganizationEntry*, ByKey> m_organizationsByName;
-    std::set<ServiceEntry*, ByKey> m_servicesByTitle;
 
-    // What a search scans, kept flat so that a query over 100,000 services reads memory in order
-    // instead of chasing a pointer per record: one row per service (a slot, reused after removal)
-    // and every service's folded text in one buffer. A changed text is appended and the old one
-    // left as garbage until the buffer is compacted.
-    struct SearchRow {
-        ServiceRecord* service = nullptr; // null for a free slot
-        const Organization* owner = nullptr;
-        std::uint32_t textOffset = 0;
-        std::uint32_t textLength = 0;
-        bool archived = false;
-    };
-    std::vector<SearchRow> m_rows;
-    std::vector<std::uint32_t> m_freeRows;
-    std::string m_texts;
-    std::size_t m_garbageTextBytes = 0;
-    // Title order as row slots, and each slot's position in it; rebuilt from m_servicesByTitle
-    // when stale.
-    mutable std::vector<std::uint32_t> m_slotsByTitle;
-    mutable std::vector<std::uint32_t> m_titleRankOfSlot;
-    mutable bool m_ranksStale = false;
-
-    std::map<ExpirationKey, ServiceRecord*> m_servicesByExpiration;
+    ServiceSlots m_services;
+    // By slot. Mutable, like the strings and the orders, because queries make title keys and
+    // sort lazily.
+    mutable std::vector<ServiceIndex> m_serviceIndex;
+    SlotsById m_servicesById;
+    // Every service's folded search text and title sort key, in one buffer that a search reads
+    // in order. A changed text is appended and the old one left as garbage until the buffer is
+    // compacted.
+    mutable std::string m_strings;
+    std::size_t m_garbageBytes = 0;
+    mutable SlotOrder m_titleOrder;
+    // Each slot's position in the title order, as of the order's change count `m_ranksAt`.
+    mutable std::vector<std::uint32_t> m_titleRanks;
+    mutable std::uint64_t m_ranksAt = UINT64_MAX;
+    mutable int m_searchesWithoutTitleOrder = 0;
+    mutable SlotOrder m_expirationOrder; // services not archived with an expiration date
     std::size_t m_activeServiceCount = 0;
 
     std::unordered_set<const Organization*> m_pendingOrganizations;

@@ -122,6 +122,40 @@ std::string jsonList(const std::vector<Uuid>& list) {
     return array.dump();
 }
 
+// The lists this program writes are compact JSON arrays of plain ASCII strings, such as
+// ["hosting","legacy"]: those are read here without building a JSON document, which is most of
+// the cost of loading a service's tags. Anything else (escapes, spaces, other characters, a
+// malformed list) gives nothing and is left to the JSON parser.
+std::optional<std::vector<std::string>> plainStringList(std::string_view raw) {
+    if (raw.size() < 2 || raw.front() != '[' || raw.back() != ']') {
+        return std::nullopt;
+    }
+    std::vector<std::string> items;
+    const std::size_t closing = raw.size() - 1;
+    std::size_t at = 1;
+    while (at < closing) {
+        if (raw[at] != '"') {
+            return std::nullopt;
+        }
+        std::size_t end = ++at;
+        for (; end < closing && raw[end] != '"'; ++end) {
+            const auto c = static_cast<unsigned char>(raw[end]);
+            if (c < 0x20 || c >= 0x7f || c == '\\') {
+                return std::nullopt;
+            }
+        }
+        if (end >= closing) {
+            return std::nullopt;
+        }
+        items.emplace_back(raw.substr(at, end - at));
+        at = end + 1;
+        if (at < closing && (raw[at] != ',' || ++at == closing)) {
+            return std::nullopt;
+        }
+    }
+    return items;
+}
+
 // Reading a row fails with a description when one of its values is not what the file promises;
 // a damaged row must stop the load rather than come back as an empty field.
 class RowReader {
@@ -142,10 +176,10 @@ public:
     }
 
     Uuid uuid(int column) {
-        const std::string raw = m_row.text(column);
+        const std::string_view raw = m_row.textView(column);
         const auto id = Uuid::fromString(raw);
         if (!id) {
-            fail("an id \"" + raw + "\" that is not a UUID");
+            fail("an id \"" + std::string(raw) + "\" that is not a UUID");
             return Uuid();
         }
         return *id;
@@ -159,18 +193,22 @@ public:
     }
 
     Decimal decimal(int column) {
-        const std::string raw = m_row.text(column);
+        const std::string_view raw = m_row.textView(column);
         const auto value = Decimal::fromString(raw);
         if (!value) {
-            fail("an amount \"" + raw + "\" that is not a decimal number");
+            fail("an amount \"" + std::string(raw) + "\" that is not a decimal number");
             return Decimal();
         }
         return *value;
     }
 
     std::vector<std::string> strings(int column) {
+        const std::string_view raw = m_row.textView(column);
+        if (std::optional<std::vector<std::string>> plain = plainStringList(raw)) {
+            return std::move(*plain);
+        }
         std::vector<std::string> result;
-        const nlohmann::json list = nlohmann::json::parse(m_row.text(column), nullptr, false);
+        const nlohmann::json list = nlohmann::json::parse(raw, nullptr, false);
         if (!list.is_array()) {
             fail("a list that is not a JSON array");
             return result;
@@ -248,36 +286,36 @@ void bindOrganization(SqliteStatement& statement, const Organization& organizati
     statement.bind(14, toMilliseconds(organization.updatedAt));
 }
 
-std::unique_ptr<ServiceRecord> readService(RowReader& row) {
-    auto service = std::make_unique<ServiceRecord>();
-    service->id = row.uuid(0);
-    service->serviceTypeRaw = row.text(2);
-    service->title = row.text(3);
-    service->provider = row.text(4);
-    service->hostname = row.text(5);
-    service->domain = row.text(6);
-    service->ipAddress = row.text(7);
-    service->loginURL = row.text(8);
-    service->username = row.text(9);
-    service->emailAddress = row.text(10);
-    service->port = row.optionalInteger(11);
-    service->sshKeyReference = row.text(12);
-    service->purchaseDate = row.optionalInstant(13);
-    service->renewalDate = row.optionalInstant(14);
-    service->expirationDate = row.optionalInstant(15);
-    service->billingCycleRaw = row.text(16);
-    service->monthlyCost = row.decimal(17);
-    service->yearlyCost = row.decimal(18);
-    service->autoRenew = row.flag(19);
-    service->tags = row.strings(20);
-    service->notes = row.text(21);
-    service->riskLevelRaw = row.text(22);
-    service->statusRaw = row.text(23);
-    service->isArchived = row.flag(24);
-    service->createdAt = row.instant(25);
-    service->updatedAt = row.instant(26);
-    service->secretKeychainID = row.text(27);
-    service->apiKeyKeychainID = row.text(28);
+ServiceRecord readService(RowReader& row) {
+    ServiceRecord service;
+    service.id = row.uuid(0);
+    service.serviceTypeRaw = row.text(2);
+    service.title = row.text(3);
+    service.provider = row.text(4);
+    service.hostname = row.text(5);
+    service.domain = row.text(6);
+    service.ipAddress = row.text(7);
+    service.loginURL = row.text(8);
+    service.username = row.text(9);
+    service.emailAddress = row.text(10);
+    service.port = row.optionalInteger(11);
+    service.sshKeyReference = row.text(12);
+    service.purchaseDate = row.optionalInstant(13);
+    service.renewalDate = row.optionalInstant(14);
+    service.expirationDate = row.optionalInstant(15);
+    service.billingCycleRaw = row.text(16);
+    service.monthlyCost = row.decimal(17);
+    service.yearlyCost = row.decimal(18);
+    service.autoRenew = row.flag(19);
+    service.tags = row.strings(20);
+    service.notes = row.text(21);
+    service.riskLevelRaw = row.text(22);
+    service.statusRaw = row.text(23);
+    service.isArchived = row.flag(24);
+    service.createdAt = row.instant(25);
+    service.updatedAt = row.instant(26);
+    service.secretKeychainID = row.text(27);
+    service.apiKeyKeychainID = row.text(28);
     return service;
 }
 
@@ -567,7 +605,7 @@ bool VaultFile::load(VaultContext& context, std::string& error) {
                                   }) &&
                         readTable("services", selectSql("services", serviceColumns),
                                   [&](RowReader& row, const SqliteStatement&) {
-                                      auto service = readService(row);
+                                      ServiceRecord service = readService(row);
                                       Organization* owner = ownerOf(row);
                                       if (!row.problem()) {
                                           context.insert(std::move(service), owner, false);

@@ -22,10 +22,6 @@ int hexValue(char c) {
     return -1;
 }
 
-bool isDashPosition(std::size_t i) {
-    return i == 8 || i == 13 || i == 18 || i == 23;
-}
-
 } // namespace
 
 Uuid Uuid::generate() {
@@ -43,26 +39,22 @@ Uuid Uuid::generate() {
 }
 
 std::optional<Uuid> Uuid::fromString(std::string_view text) {
-    if (text.size() != 36) {
+    // Opening a vault parses two ids per service: the digit pairs' positions are fixed, so the
+    // loop walks them without testing each index for a dash.
+    static constexpr std::array<std::uint8_t, 16> pairStarts{0,  2,  4,  6,  9,  11, 14, 16,
+                                                             19, 21, 24, 26, 28, 30, 32, 34};
+    if (text.size() != 36 || text[8] != '-' || text[13] != '-' || text[18] != '-' ||
+        text[23] != '-') {
         return std::nullopt;
     }
     Bytes bytes{};
-    std::size_t byte = 0;
-    for (std::size_t i = 0; i < text.size();) {
-        if (isDashPosition(i)) {
-            if (text[i] != '-') {
-                return std::nullopt;
-            }
-            ++i;
-            continue;
-        }
-        const int high = hexValue(text[i]);
-        const int low = hexValue(text[i + 1]);
+    for (std::size_t byte = 0; byte < bytes.size(); ++byte) {
+        const int high = hexValue(text[pairStarts[byte]]);
+        const int low = hexValue(text[pairStarts[byte] + 1]);
         if (high < 0 || low < 0) {
             return std::nullopt;
         }
-        bytes[byte++] = static_cast<std::uint8_t>(high * 16 + low);
-        i += 2;
+        bytes[byte] = static_cast<std::uint8_t>(high * 16 + low);
     }
     return Uuid(bytes);
 }
