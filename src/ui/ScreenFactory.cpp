@@ -1,10 +1,12 @@
 #include "ScreenFactory.h"
 
 #include "app/AppContext.h"
+#include "app/AppState.h"
 #include "screens/AllCredentialsView.h"
 #include "screens/ArchiveView.h"
 #include "screens/GlobalSearchView.h"
 #include "screens/PlaceholderScreen.h"
+#include "screens/SmartPasteSheet.h"
 #include "screens/SettingsView.h"
 
 #include <QDialog>
@@ -59,14 +61,13 @@ QWidget* ScreenFactory::createDetailScreen(DetailScreen screen, AppContext& cont
 }
 
 QDialog* ScreenFactory::createSheet(Sheet sheet, AppContext& context, QWidget* parent) {
-    (void)context;
     switch (sheet) {
     case Sheet::newOrganization:
         return placeholderSheet("building.2.fill", QStringLiteral("New Organization"), parent);
     case Sheet::newService:
         return placeholderSheet("plus.rectangle.on.folder", QStringLiteral("New Service"), parent);
     case Sheet::smartPaste:
-        return placeholderSheet("doc.on.clipboard", QStringLiteral("Smart Paste"), parent);
+        return new SmartPasteSheet(context, context.state.selectedOrganization(), parent);
     case Sheet::shareFlow:
         return placeholderSheet("paperplane", QStringLiteral("Share"), parent);
     case Sheet::settings: {

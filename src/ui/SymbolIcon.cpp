@@ -39,6 +39,7 @@ constexpr std::pair<std::string_view, const char*> symbolTable[] = {
     {"paperplane", "mail-send"},
     {"minus.circle", "list-remove"},
     {"checkmark.circle", "dialog-ok-apply"},
+    {"checkmark.circle.fill", "emblem-success"},
     {"clock", "clock"},
     {"exclamationmark.octagon", "dialog-error"},
     {"xmark.octagon", "data-error"},

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "paste/ParsedCredential.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vorlane {
+
+class DataStore;
+struct Organization;
+struct ServiceRecord;
+class UserCalendar;
+
+// The smart-paste sheet: pasted text, parsed into a credential, reviewed, saved as a new service
+// of the chosen organization with its password in the secret store. Holds the sheet's state and
+// every rule and text it shows; the widget only draws it. Main thread only; the store and
+// calendar must outlive it. The organizations are the store's.
+class SmartPasteFlow {
+public:
+    enum class Step { paste, review, done };
+
+    // One editable text row of the review step, in order.
+    struct Field {
+        std::string label;
+        std::string ParsedCredential::*member;
+        bool isSecure;
+    };
+
+    static constexpr const char* title = "Smart Paste";
+    static constexpr const char* explanation =
+        "Paste raw credential text below. Vorlane will detect IP addresses, domains, emails, "
+        "ports, usernames, URLs, and dates automatically.";
+    static constexpr const char* noOrganization = "Select...";
+
+    // `organization` is the one the sheet was opened for (preselected), or none.
+    SmartPasteFlow(DataStore& store, const UserCalendar& calendar, Organization* organization);
+
+    Step step() const { return m_step; }
+    std::string subtitle() const;
+
+    const std::string& rawText() const { return m_rawText; }
+    void setRawText(std::string text) { m_rawText = std::move(text); }
+    // "N characters": user-perceived characters, as the editor counts them.
+    std::string characterCount() const;
+
+    // Present from the first parse on; the review step edits it in place.
+    const std::optional<ParsedCredential>& parsed() const { return m_parsed; }
+    ParsedCredential* editableParsed() { return m_parsed ? &*m_parsed : nullptr; }
+    static const std::vector<Field>& fields();
+
+    Organization* organization() const { return m_organization; }
+    Organization* selectedOrg() const { return m_selectedOrg; }
+    void setSelectedOrg(Organization* organization) { m_selectedOrg = organization; }
+    // What the organization picker offers after "Select...": every organization, by name.
+    std::vector<Organization*> organizations() const;
+
+    // "Detected Date" value; nothing when no date was detected.
+    std::optional<std::string> detectedDateText() const;
+
+    // The footer: "Back" only on review; the main button's title and whether it can be pressed.
+    bool showsBack() const { return m_step == Step::review; }
+    std::string mainButtonTitle() const;
+    bool mainButtonEnabled() const;
+
+    // "Parse": parses the text as it is (untrimmed) and moves to review, replacing every edit.
+    void parse();
+    // The same in two halves, for a widget that parses a long text off the main thread: the
+    // result of parsing `parsedFrom` is taken only if the text has not changed since.
+    bool applyParse(const std::string& parsedFrom, ParsedCredential parsed);
+    // Review back to paste, keeping the text and the parsed credential.
+    void back();
+    // "Save Credential": the new service, inserted, its password stored (a refusal of the
+    // secret store does not stop the save), the vault saved, the done step. Nothing when the
+    // button is disabled.
+    ServiceRecord* save();
+
+private:
+    DataStore& m_store;
+    const UserCalendar& m_calendar;
+    Organization* m_organization;
+    Organization* m_selectedOrg;
+    std::string m_rawText;
+    std::optional<ParsedCredential> m_parsed;
+    Step m_step = Step::paste;
+};
+
+} // namespace vorlane

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "screens/SmartPasteFlow.h"
+
+#include <QDialog>
+
+#include <vector>
+
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+class QProgressBar;
+class QPushButton;
+class QStackedWidget;
+class QWidget;
+
+namespace vorlane {
+
+struct AppContext;
+
+// The smart-paste sheet: draws a SmartPasteFlow step by step and hands it what the user types.
+// Long pastes are parsed on a worker thread so that the window never freezes; the result is
+// taken only if the text is still the one that was parsed.
+class SmartPasteSheet : public QDialog {
+    Q_OBJECT
+
+public:
+    // Preselects `organization` (may be null).
+    SmartPasteSheet(AppContext& context, Organization* organization, QWidget* parent = nullptr);
+
+    const SmartPasteFlow& flow() const { return m_flow; }
+
+private:
+    QWidget* createPasteStep();
+    QWidget* createReviewStep();
+    QWidget* createDoneStep();
+    void pasteFromClipboard();
+    void runMainAction();
+    void startParse();
+    void fillReview();
+    void refresh();
+
+    AppContext& m_context;
+    SmartPasteFlow m_flow;
+    bool m_parsing = false;
+
+    QLabel* m_subtitle;
+    QStackedWidget* m_steps;
+    QPlainTextEdit* m_editor = nullptr;
+    QLabel* m_characterCount = nullptr;
+    QProgressBar* m_busy = nullptr;
+    QComboBox* m_organization = nullptr;
+    QComboBox* m_serviceType = nullptr;
+    std::vector<QLineEdit*> m_fieldEdits; // in SmartPasteFlow::fields() order, but Notes
+    std::vector<QLabel*> m_fieldChecks;   // likewise, Notes included
+    QPlainTextEdit* m_notes = nullptr;
+    QLabel* m_detectedDateLabel = nullptr;
+    QLabel* m_detectedDate = nullptr;
+    QWidget* m_detectedTypes = nullptr;
+    QPushButton* m_back;
+    QPushButton* m_cancel;
+    QPushButton* m_main;
+};
+
+} // namespace vorlane

@@ -1,0 +1,126 @@
+#include "screens/SmartPasteFlow.h"
+
+#include "RunCommand.h"
+#include "ScreenFixture.h"
+#include "model/Organization.h"
+#include "model/ServiceRecord.h"
+
+namespace vorlane::testing {
+namespace {
+
+const std::string welcomeMail = "Hello Maria,\n"
+                                "\n"
+                                "Your new VPS is ready.\n"
+                                "\n"
+                                "Server IP: 203.0.113.42\n"
+                                "Root password: Vx7#qLm2pT-unique\n"
+                                "Port: 2222\n"
+                                "Control panel: https://my.northwind.example/clientarea\n"
+                                "Provider: Northwind Cloud\n"
+                                "\n"
+                                "Your next invoice is due on 2026-03-20.\n";
+
+class SmartPasteFlowTest : public ScreenFixture {
+protected:
+    SmartPasteFlow flowFor(Organization* organization) {
+        return SmartPasteFlow(store(), m_calendar, organization);
+    }
+};
+
+TEST_F(SmartPasteFlowTest, ParseNeedsMoreThanWhitespaceAndSaveNeedsAnOrganizationAndATitle) {
+    Organization& acme = addOrganization("Acme");
+    SmartPasteFlow flow = flowFor(nullptr);
+    EXPECT_EQ(flow.subtitle(), "Step 1: Paste your credentials");
+    flow.setRawText("  \n\t \r\n ");
+    EXPECT_FALSE(flow.mainButtonEnabled());
+    EXPECT_EQ(flow.characterCount(), "7 characters") << "CR LF is one character";
+
+    flow.setRawText(welcomeMail);
+    ASSERT_TRUE(flow.mainButtonEnabled());
+    flow.parse();
+    EXPECT_EQ(flow.step(), SmartPasteFlow::Step::review);
+    EXPECT_EQ(flow.mainButtonTitle(), "Save Credential");
+    EXPECT_FALSE(flow.mainButtonEnabled()) << "no organization chosen yet";
+    EXPECT_EQ(flow.save(), nullptr);
+
+    flow.setSelectedOrg(&acme);
+    EXPECT_TRUE(flow.mainButtonEnabled());
+    flow.editableParsed()->title.clear();
+    EXPECT_FALSE(flow.mainButtonEnabled());
+}
+
+TEST_F(SmartPasteFlowTest, BackKeepsTheTextAndParsingAgainReplacesEveryEdit) {
+    SmartPasteFlow flow = flowFor(nullptr);
+    flow.setRawText(welcomeMail);
+    flow.parse();
+    const std::string parsedTitle = flow.parsed()->title;
+    flow.editableParsed()->title = "My edit";
+    flow.back();
+    EXPECT_EQ(flow.step(), SmartPasteFlow::Step::paste);
+    EXPECT_EQ(flow.rawText(), welcomeMail);
+    EXPECT_EQ(flow.parsed()->title, "My edit") << "Back keeps the parsed fields";
+
+    flow.parse();
+    EXPECT_EQ(flow.parsed()->title, parsedTitle);
+}
+
+TEST_F(SmartPasteFlowTest, AParseOfAnOlderTextIsNotApplied) {
+    SmartPasteFlow flow = flowFor(nullptr);
+    flow.setRawText("Host: a.example");
+    flow.setRawText("Host: b.example");
+    EXPECT_FALSE(flow.applyParse("Host: a.example", ParsedCredential{}));
+    EXPECT_EQ(flow.step(), SmartPasteFlow::Step::paste);
+}
+
+TEST_F(SmartPasteFlowTest, SavingStoresTheRecordAsParsedAndThePasswordOnlyInTheKeyring) {
+    Organization& acme = addOrganization("Acme");
+    SmartPasteFlow flow = flowFor(&acme);
+    flow.setRawText(welcomeMail);
+    flow.parse();
+    ASSERT_EQ(flow.selectedOrg(), &acme) << "the opener's organization is preselected";
+    ASSERT_TRUE(flow.detectedDateText().has_value());
+    EXPECT_EQ(*flow.detectedDateText(), "Mar 20, 2026");
+
+    ServiceRecord* saved = flow.save();
+    ASSERT_NE(saved, nullptr);
+    EXPECT_EQ(flow.step(), SmartPasteFlow::Step::done);
+    EXPECT_EQ(flow.subtitle(), "Saved successfully");
+    EXPECT_EQ(saved->organization, &acme);
+    EXPECT_EQ(saved->serviceType(), ServiceType::vps);
+    EXPECT_EQ(saved->port, 2222);
+    EXPECT_EQ(saved->billingCycle(), BillingCycle::none);
+    EXPECT_EQ(saved->riskLevel(), RiskLevel::low);
+    EXPECT_TRUE(saved->monthlyCost.isZero() && saved->yearlyCost.isZero());
+    EXPECT_TRUE(saved->apiKeyKeychainID.empty());
+    EXPECT_EQ(saved->secretKeychainID.rfind("vorlane.secret.", 0), 0U);
+    EXPECT_EQ(store().getPassword(*saved), "Vx7#qLm2pT-unique");
+
+    // Ten days away: the detected date is the expiration date, so the renewal lists have it.
+    const std::vector<ServiceRecord*> expiring = store().fetchExpiringSoon(30);
+    EXPECT_NE(std::find(expiring.begin(), expiring.end(), saved), expiring.end());
+
+    EXPECT_FALSE(store().hasUnsavedChanges());
+    const std::string vault = m_folder.filePath(QStringLiteral("vault.sqlite")).toStdString();
+    for (const std::string& file : {vault, vault + "-wal"}) {
+        EXPECT_EQ(readFile(file).find("Vx7#qLm2pT-unique"), std::string::npos) << file;
+        EXPECT_EQ(readFile(file).find(welcomeMail.substr(0, 20)), std::string::npos) << file;
+    }
+}
+
+TEST_F(SmartPasteFlowTest, APortThatIsNotANumberAndAnEmptyPasswordStoreNothing) {
+    Organization& acme = addOrganization("Acme");
+    SmartPasteFlow flow = flowFor(&acme);
+    flow.setRawText("Host: files.example\nUsername: deploy\nPort: 2222");
+    flow.parse();
+    flow.editableParsed()->portString = "abc";
+    flow.editableParsed()->password.clear();
+    ServiceRecord* saved = flow.save();
+    ASSERT_NE(saved, nullptr);
+    EXPECT_EQ(saved->port, std::nullopt);
+    EXPECT_TRUE(saved->secretKeychainID.empty());
+    EXPECT_EQ(store().getPassword(*saved), std::nullopt);
+    EXPECT_EQ(flow.detectedDateText(), std::nullopt);
+}
+
+} // namespace
+} // namespace vorlane::testing
