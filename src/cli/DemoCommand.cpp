@@ -1,6 +1,7 @@
 #include "DemoCommand.h"
 
 #include "CliVault.h"
+#include "VaultLock.h"
 #include "store/DemoVault.h"
 
 #include <sys/stat.h>
@@ -44,6 +45,18 @@ int DemoCommand::run(CliInvocation& invocation) {
     if (!path) {
         invocation.err << "vorlane-cli demo: which file? usage: " << usage() << "\n";
         return 2;
+    }
+    // Held while the demo is written, so that Vorlane started on the same path meanwhile does not
+    // read a half-written vault. Asked first: a vault that is open is refused as such.
+    VaultLock lock(*path);
+    if (lock.tryAcquire() == VaultLock::Outcome::heldByAnother) {
+        const auto holder = lock.holder();
+        invocation.err << "vorlane-cli demo: " << *path << " is open in "
+                       << (holder ? holder->program.toStdString() : std::string("another program"))
+                       << (holder ? " (process " + std::to_string(holder->pid) + ")"
+                                  : std::string())
+                       << "; a demo vault is only ever written to a new file\n";
+        return 1;
     }
     struct stat existing {};
     if (::stat(path->c_str(), &existing) == 0) {

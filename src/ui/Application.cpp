@@ -8,7 +8,9 @@
 #include "QtClipboard.h"
 #include "QtPreferenceStore.h"
 #include "QtTimers.h"
+#include "SingleInstance.h"
 #include "SymbolIcon.h"
+#include "VaultLock.h"
 #include "app/AppContext.h"
 #include "app/AppState.h"
 #include "app/ServiceActions.h"
@@ -21,12 +23,14 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QFileInfo>
 #include <QIcon>
 #include <QLabel>
 #include <QMessageBox>
 #include <QStatusBar>
 #include <QStringList>
 
+#include <csignal>
 #include <cstdio>
 
 namespace vorlane {
@@ -59,6 +63,30 @@ bool hasDisplay() {
     return (!qEnvironmentVariableIsEmpty("DISPLAY") ||
             !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) &&
            qgetenv("QT_QPA_PLATFORM") != "offscreen";
+}
+
+// Another program holds the vault. When it is Vorlane, its window comes to the front and this
+// start ends there, successfully: two windows on one vault would overwrite each other's changes.
+int handOverToRunningInstance(int argc, char* argv[], const std::string& vaultPath,
+                              const VaultLock& lock) {
+    const QCoreApplication app(argc, argv);
+    const auto holder = lock.holder();
+    const auto holderAlive = [&lock] {
+        const auto current = lock.holder();
+        return current && ::kill(static_cast<pid_t>(current->pid), 0) == 0;
+    };
+    // Whoever listens on the vault's socket is a Vorlane window; a Vorlane still opening the vault
+    // listens soon. Anything else holding the lock (the demo writer) will never answer.
+    const QString socketName = VaultLock::instanceSocketName(vaultPath);
+    const bool worthAsking =
+        QFileInfo::exists(socketName) || (holder && holder->program == QLatin1String("vorlane"));
+    if (worthAsking && SingleInstance::askToRaise(socketName, 10000, holderAlive)) {
+        return 0;
+    }
+    std::fprintf(stderr, "vorlane: %s is in use by %s (process %lld); try again when it is done\n",
+                 vaultPath.c_str(), holder ? qPrintable(holder->program) : "another program",
+                 holder ? static_cast<long long>(holder->pid) : 0LL);
+    return 1;
 }
 
 } // namespace
@@ -99,6 +127,12 @@ int Application::run(int argc, char* argv[]) {
         parser.isSet(QStringLiteral("vault"))
             ? std::optional(parser.value(QStringLiteral("vault")).toStdString())
             : std::nullopt);
+    // Locked before the vault is read, so that a second start leaves at once. The first run's
+    // vault has no folder yet to hold the lock: the lock is taken once opening has made it.
+    VaultLock vaultLock(vaultPath);
+    if (vaultLock.tryAcquire() == VaultLock::Outcome::heldByAnother) {
+        return handOverToRunningInstance(argc, argv, vaultPath, vaultLock);
+    }
     auto opened = DataStore::open(vaultPath, keychain, calendar, mainLoop);
     if (!opened) {
         const std::string message = "Failed to initialize data store: " + opened.error();
@@ -111,6 +145,9 @@ int Application::run(int argc, char* argv[]) {
         return 1;
     }
     const std::unique_ptr<DataStore> store = std::move(opened).value();
+    if (vaultLock.tryAcquire() == VaultLock::Outcome::heldByAnother) {
+        return handOverToRunningInstance(argc, argv, vaultPath, vaultLock);
+    }
 
     QApplication app(argc, argv);
     QApplication::setApplicationDisplayName(QStringLiteral("Vorlane"));
@@ -139,6 +176,16 @@ int Application::run(int argc, char* argv[]) {
             "No Secret Service is running: passwords and API keys cannot be saved or shown. "
             "Start GNOME Keyring, KWallet or KeePassXC and restart Vorlane.")));
     }
+    SingleInstance instance;
+    if (vaultLock.isHeld()) {
+        instance.listen(VaultLock::instanceSocketName(vaultPath));
+    }
+    QObject::connect(&instance, &SingleInstance::raiseRequested, &window, [&window] {
+        window.setWindowState((window.windowState() & ~Qt::WindowMinimized) | Qt::WindowActive);
+        window.show();
+        window.raise();
+        window.activateWindow();
+    });
     window.show();
     const int status = QApplication::exec();
     // The shared instance outlives this function; the authenticator and timers it uses do not.
