@@ -5,6 +5,9 @@
 #include "screens/AllCredentialsView.h"
 #include "screens/ArchiveView.h"
 #include "screens/GlobalSearchView.h"
+#include "screens/OrganizationDetailView.h"
+#include "screens/OrganizationFormSheet.h"
+#include "screens/OrganizationGridView.h"
 #include "screens/PlaceholderScreen.h"
 #include "screens/SmartPasteSheet.h"
 #include "screens/SettingsView.h"
@@ -39,13 +42,13 @@ QWidget* ScreenFactory::createDetailScreen(DetailScreen screen, AppContext& cont
     case DetailScreen::serviceDetail:
         return new PlaceholderScreen("key", QStringLiteral("Service"));
     case DetailScreen::organizationDetail:
-        return new PlaceholderScreen("building.2", QStringLiteral("Organization"));
+        return new OrganizationDetailView(context, *context.state.selectedOrganization());
     case DetailScreen::dashboard:
         return new PlaceholderScreen("square.grid.2x2", QStringLiteral("Dashboard"));
     case DetailScreen::organizationGrid:
-        return new PlaceholderScreen("building.2", QStringLiteral("Organizations"));
+        return new OrganizationGridView(context, OrganizationFilter::all);
     case DetailScreen::favoritesGrid:
-        return new PlaceholderScreen("star", QStringLiteral("Favorites"));
+        return new OrganizationGridView(context, OrganizationFilter::favorites);
     case DetailScreen::expiringSoon:
         return new PlaceholderScreen("exclamationmark.triangle", QStringLiteral("Expiring Soon"));
     case DetailScreen::expired:
@@ -63,7 +66,7 @@ QWidget* ScreenFactory::createDetailScreen(DetailScreen screen, AppContext& cont
 QDialog* ScreenFactory::createSheet(Sheet sheet, AppContext& context, QWidget* parent) {
     switch (sheet) {
     case Sheet::newOrganization:
-        return placeholderSheet("building.2.fill", QStringLiteral("New Organization"), parent);
+        return new OrganizationFormSheet(context, parent);
     case Sheet::newService:
         return placeholderSheet("plus.rectangle.on.folder", QStringLiteral("New Service"), parent);
     case Sheet::smartPaste:

@@ -1,0 +1,125 @@
+#include "MainWindow.h"
+#include "ScreenFixture.h"
+#include "components/OrgAvatar.h"
+#include "components/RowListView.h"
+#include "model/Organization.h"
+#include "model/ServiceRecord.h"
+#include "screens/OrganizationCardDelegate.h"
+#include "screens/OrganizationDetailView.h"
+#include "screens/OrganizationFormSheet.h"
+#include "screens/OrganizationGridView.h"
+
+#include <QLineEdit>
+#include <QPainter>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTabBar>
+
+namespace vorlane::testing {
+namespace {
+
+class OrganizationViewsTest : public ScreenFixture {};
+
+TEST_F(OrganizationViewsTest, TheKeyboardFocusTurnsACardAndReturnOpensIt) {
+    addOrganization("Acme");
+    Organization& beta = addOrganization("Beta");
+    OrganizationGridView view(context(), OrganizationFilter::all);
+    view.resize(900, 600);
+    view.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&view));
+    RowListView* grid = view.grid();
+    ASSERT_EQ(grid->model()->rowCount(), 2);
+    EXPECT_EQ(grid->model()->index(1, 0).data(Qt::AccessibleTextRole).toString().left(5),
+              QStringLiteral("Beta,"));
+    // Both cards on one row at this width.
+    EXPECT_EQ(grid->visualRect(grid->model()->index(0, 0)).top(),
+              grid->visualRect(grid->model()->index(1, 0)).top());
+
+    grid->setFocus();
+    grid->setCurrentIndex(grid->model()->index(1, 0));
+    auto* delegate = view.cardDelegate();
+    EXPECT_TRUE(waitFor([&] { return delegate->flipProgress(&beta) >= 0.99; }))
+        << "the focused card shows its back";
+    QTest::keyClick(grid, Qt::Key_Return);
+    EXPECT_EQ(m_state.selectedOrganization(), &beta);
+
+    // A store change rebuilds the grid: the deleted organization's card goes.
+    m_state.setSelectedOrganization(nullptr);
+    OrganizationActions(store(), m_state).deleteOrganization(beta);
+    EXPECT_EQ(grid->model()->rowCount(), 1);
+    EXPECT_EQ(delegate->flipProgress(&beta), 0.0);
+}
+
+TEST_F(OrganizationViewsTest, TheSheetKeepsItsButtonDisabledForABlankNameAndSavesWithReturn) {
+    OrganizationFormSheet sheet(context());
+    EXPECT_EQ(sheet.size(), QSize(520, 620));
+    EXPECT_EQ(sheet.windowTitle(), QStringLiteral("New Organization"));
+    EXPECT_EQ(sheet.saveButton()->text(), QStringLiteral("Create Organization"));
+    sheet.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&sheet));
+    EXPECT_FALSE(sheet.saveButton()->isEnabled());
+    QTest::keyClicks(sheet.nameField(), QStringLiteral("   "));
+    EXPECT_FALSE(sheet.saveButton()->isEnabled());
+    QTest::keyClick(sheet.nameField(), Qt::Key_Return);
+    EXPECT_TRUE(store().fetchOrganizations(true).empty());
+
+    QTest::keyClicks(sheet.nameField(), QStringLiteral("Acme "));
+    QTest::keyClicks(sheet.tagsField(), QStringLiteral(" web, , client ,,vip"));
+    EXPECT_TRUE(sheet.saveButton()->isEnabled());
+    QTest::keyClick(sheet.nameField(), Qt::Key_Return);
+    EXPECT_EQ(sheet.result(), QDialog::Accepted);
+    ASSERT_EQ(store().fetchOrganizations(true).size(), 1U);
+    EXPECT_EQ(store().fetchOrganizations(true)[0]->name, "Acme");
+    EXPECT_EQ(store().fetchOrganizations(true)[0]->tags,
+              (std::vector<std::string>{"web", "client", "vip"}));
+}
+
+TEST_F(OrganizationViewsTest, CorruptLogoBytesShowTheInitials) {
+    Organization& acme = addOrganization("acme corp ltd");
+    store().setLogo(acme, std::vector<std::uint8_t>{0x89, 'P', 'N', 'G', 0, 1, 2, 3});
+    EXPECT_TRUE(OrgAvatar::logo(store(), acme).isNull());
+
+    // The avatar is the gradient of the organization's colour, not a blank or broken image.
+    QImage image(56, 56, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    OrgAvatar::paint(painter, QRectF(0, 0, 56, 56), store(), acme);
+    painter.end();
+    const Palette::Rgb rgb = Palette::rgb(acme.avatarColor());
+    const QColor corner = image.pixelColor(14, 14);
+    EXPECT_EQ(corner.alpha(), 255);
+    EXPECT_NEAR(corner.hueF(), QColor(rgb.red, rgb.green, rgb.blue).hueF(), 0.05);
+    EXPECT_EQ(acme.initials(), "AC");
+}
+
+TEST_F(OrganizationViewsTest, TheDetailTabsFollowTheNavigationStateAndNotesAreSavedAsTyped) {
+    Organization& acme = addOrganization("Acme");
+    addService(acme, "Box", [](ServiceRecord& s) { s.setServiceType(ServiceType::vps); });
+    m_state.navigateTo(acme);
+    MainWindow window(context());
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    auto* detail = qobject_cast<OrganizationDetailView*>(window.detailScreen());
+    ASSERT_NE(detail, nullptr);
+    EXPECT_EQ(detail->tabBar()->count(), 12);
+    EXPECT_EQ(detail->tabBar()->tabText(1), QStringLiteral("Servers (1)"));
+
+    detail->tabBar()->setCurrentIndex(static_cast<int>(OrgDetailTab(OrgDetailTab::notes).index()));
+    EXPECT_EQ(m_state.selectedOrgTab(), OrgDetailTab::notes);
+    detail->notesEditor()->setFocus();
+    QTest::keyClicks(detail->notesEditor(), QStringLiteral("Gate 12"));
+    EXPECT_EQ(acme.notes, "Gate 12");
+    EXPECT_EQ(detail->notesEditor()->textCursor().position(), 7) << "typing is not disturbed";
+
+    m_state.setSelectedOrgTab(OrgDetailTab::servers);
+    EXPECT_EQ(detail->tabBar()->currentIndex(), 1);
+    ASSERT_NE(detail->currentList(), nullptr);
+    EXPECT_EQ(detail->currentList()->model()->rowCount(), 2) << "the VPS header and its row";
+
+    // Deleting the organization shown closes its screen without touching it again.
+    OrganizationActions(store(), m_state).deleteOrganization(acme);
+    EXPECT_NE(window.detailRoute(), DetailScreen::organizationDetail);
+}
+
+} // namespace
+} // namespace vorlane::testing
