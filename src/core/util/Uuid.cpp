@@ -9,17 +9,23 @@ namespace vorlane {
 
 namespace {
 
+// Digit values by character, -1 for anything that is not a hexadecimal digit: a table rather
+// than comparisons, whose branches the random digits of ids keep mispredicting.
+constexpr std::array<std::int8_t, 256> hexValues = [] {
+    std::array<std::int8_t, 256> values{};
+    values.fill(-1);
+    for (int digit = 0; digit < 10; ++digit) {
+        values['0' + digit] = static_cast<std::int8_t>(digit);
+    }
+    for (int letter = 0; letter < 6; ++letter) {
+        values['a' + letter] = static_cast<std::int8_t>(10 + letter);
+        values['A' + letter] = static_cast<std::int8_t>(10 + letter);
+    }
+    return values;
+}();
+
 int hexValue(char c) {
-    if (c >= '0' && c <= '9') {
-        return c - '0';
-    }
-    if (c >= 'a' && c <= 'f') {
-        return c - 'a' + 10;
-    }
-    if (c >= 'A' && c <= 'F') {
-        return c - 'A' + 10;
-    }
-    return -1;
+    return hexValues[static_cast<unsigned char>(c)];
 }
 
 } // namespace
