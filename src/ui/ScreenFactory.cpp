@@ -4,6 +4,8 @@
 #include "app/AppState.h"
 #include "screens/AllCredentialsView.h"
 #include "screens/ArchiveView.h"
+#include "screens/DashboardView.h"
+#include "screens/ExpenseView.h"
 #include "screens/GlobalSearchView.h"
 #include "screens/OrganizationDetailView.h"
 #include "screens/OrganizationFormSheet.h"
@@ -44,7 +46,7 @@ QWidget* ScreenFactory::createDetailScreen(DetailScreen screen, AppContext& cont
     case DetailScreen::organizationDetail:
         return new OrganizationDetailView(context, *context.state.selectedOrganization());
     case DetailScreen::dashboard:
-        return new PlaceholderScreen("square.grid.2x2", QStringLiteral("Dashboard"));
+        return new DashboardView(context);
     case DetailScreen::organizationGrid:
         return new OrganizationGridView(context, OrganizationFilter::all);
     case DetailScreen::favoritesGrid:
@@ -56,7 +58,7 @@ QWidget* ScreenFactory::createDetailScreen(DetailScreen screen, AppContext& cont
     case DetailScreen::allCredentials:
         return new AllCredentialsView(context);
     case DetailScreen::expenses:
-        return new PlaceholderScreen("dollarsign.circle", QStringLiteral("Expenses"));
+        return new ExpenseView(context);
     case DetailScreen::archive:
         return new ArchiveView(context);
     }

@@ -35,6 +35,8 @@ public:
     static constexpr std::string_view title = "Expense Overview";
     static constexpr std::string_view subtitle = "Track recurring costs across all organizations";
     static constexpr std::string_view groupByTitle = "Group by";
+    // In place of the cards and the chart when no service carries a cost.
+    static constexpr std::string_view emptyText = "No services with a cost yet.";
     // More groups than this and the chart keeps the costliest ones, in card order, and adds up
     // the rest in one last bar: a bar per organization of a large agency reads as noise.
     static constexpr std::size_t chartBarLimit = 16;

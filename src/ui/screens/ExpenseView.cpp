@@ -1,0 +1,135 @@
+#include "screens/ExpenseView.h"
+
+#include "QtText.h"
+#include "app/AppContext.h"
+#include "components/BarChart.h"
+#include "components/StatCardView.h"
+#include "screens/ExpenseCardDelegate.h"
+#include "screens/ExpenseCardGrid.h"
+#include "screens/ExpenseCardModel.h"
+#include "store/DataStore.h"
+
+#include <QButtonGroup>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace vorlane {
+
+namespace {
+
+constexpr int pickerWidth = 360;
+
+} // namespace
+
+ExpenseView::ExpenseView(AppContext& context, QWidget* parent)
+    : QScrollArea(parent)
+    , m_context(context)
+    , m_screen(context.store)
+    , m_groupBy(new QButtonGroup(this))
+    , m_chart(new BarChart(BarChart::Orientation::horizontal))
+    , m_grid(new ExpenseCardGrid)
+    , m_cards(new ExpenseCardModel(this))
+    , m_empty(new QLabel(toQString(ExpenseScreen::emptyText))) {
+    setWidgetResizable(true);
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    auto* page = new QWidget;
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(24, 24, 24, 24);
+    layout->setSpacing(12);
+
+    auto* title = new QLabel(toQString(ExpenseScreen::title));
+    QFont titleFont = title->font();
+    titleFont.setPointSizeF(titleFont.pointSizeF() * 1.8);
+    titleFont.setWeight(QFont::Bold);
+    title->setFont(titleFont);
+    layout->addWidget(title);
+    auto* subtitle = new QLabel(toQString(ExpenseScreen::subtitle));
+    subtitle->setForegroundRole(QPalette::PlaceholderText);
+    layout->addWidget(subtitle);
+    layout->addSpacing(4);
+
+    // "Group by" and the segmented picker: three exclusive buttons side by side, one frame.
+    auto* filterBar = new QHBoxLayout;
+    auto* groupLabel = new QLabel(toQString(ExpenseScreen::groupByTitle));
+    filterBar->addWidget(groupLabel);
+    auto* picker = new QWidget;
+    picker->setFixedWidth(pickerWidth);
+    picker->setAccessibleName(toQString(ExpenseScreen::groupByTitle));
+    auto* segments = new QHBoxLayout(picker);
+    segments->setContentsMargins(0, 0, 0, 0);
+    segments->setSpacing(0);
+    for (std::size_t i = 0; i < ExpenseScreen::groupings.size(); ++i) {
+        const ExpenseScreen::GroupBy groupBy = ExpenseScreen::groupings[i];
+        auto* button = new QPushButton(toQString(ExpenseScreen::label(groupBy)));
+        button->setCheckable(true);
+        button->setChecked(groupBy == m_screen.groupBy());
+        button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+        m_groupBy->addButton(button, static_cast<int>(i));
+        segments->addWidget(button);
+    }
+    groupLabel->setBuddy(m_groupBy->button(0));
+    filterBar->addWidget(picker);
+    filterBar->addStretch();
+    layout->addLayout(filterBar);
+
+    auto* summary = new QGridLayout;
+    summary->setSpacing(12);
+    for (std::size_t i = 0; i < m_summary.size(); ++i) {
+        m_summary[i] = new StatCardView(StatCard{});
+        summary->addWidget(m_summary[i], 0, static_cast<int>(i));
+    }
+    layout->addLayout(summary);
+    layout->addSpacing(4);
+
+    layout->addWidget(m_chart);
+    m_empty->setForegroundRole(QPalette::PlaceholderText);
+    layout->addWidget(m_empty);
+    m_grid->setItemDelegate(new ExpenseCardDelegate(m_grid));
+    m_grid->setModel(m_cards);
+    m_grid->setAccessibleName(QStringLiteral("Expense cards"));
+    // Outside the grid's spacing, so that the cards line up with the summary above.
+    layout->addWidget(m_grid);
+    layout->setAlignment(m_grid, Qt::AlignTop);
+    layout->addStretch();
+    setWidget(page);
+
+    connect(m_groupBy, &QButtonGroup::idClicked, this, [this](int id) {
+        m_screen.setGroupBy(ExpenseScreen::groupings[static_cast<std::size_t>(id)]);
+        showGroups();
+    });
+    m_storeConnection = ScopedConnection(m_context.store.changed, [this] {
+        m_screen.reload();
+        showScreen();
+    });
+    setAccessibleName(toQString(ExpenseScreen::title));
+    showScreen();
+}
+
+QAbstractButton* ExpenseView::groupButton(ExpenseScreen::GroupBy groupBy) const {
+    const auto at =
+        std::find(ExpenseScreen::groupings.begin(), ExpenseScreen::groupings.end(), groupBy);
+    return m_groupBy->button(static_cast<int>(at - ExpenseScreen::groupings.begin()));
+}
+
+void ExpenseView::showScreen() {
+    for (std::size_t i = 0; i < m_summary.size() && i < m_screen.summary().size(); ++i) {
+        m_summary[i]->setCard(m_screen.summary()[i]);
+    }
+    showGroups();
+}
+
+void ExpenseView::showGroups() {
+    const bool any = !m_screen.cards().empty();
+    m_chart->setTitle(toQString(m_screen.chartTitle()));
+    m_chart->setBars(m_screen.chart());
+    m_chart->setVisible(any);
+    m_cards->setCards(m_screen.cards());
+    m_grid->setVisible(any);
+    m_empty->setVisible(!any);
+}
+
+} // namespace vorlane
