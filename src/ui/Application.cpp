@@ -1,5 +1,6 @@
 #include "Application.h"
 
+#include "DesktopNotificationCenter.h"
 #include "DialogAuthenticationPrompt.h"
 #include "LibsecretBackend.h"
 #include "MainWindow.h"
@@ -8,6 +9,8 @@
 #include "QtClipboard.h"
 #include "QtPreferenceStore.h"
 #include "QtTimers.h"
+#include "ReminderSchedule.h"
+#include "Reminders.h"
 #include "SingleInstance.h"
 #include "SymbolIcon.h"
 #include "VaultLock.h"
@@ -15,6 +18,7 @@
 #include "app/AppState.h"
 #include "app/ServiceActions.h"
 #include "auth/AuthManager.h"
+#include "reminders/NotificationManager.h"
 #include "secrets/KeychainManager.h"
 #include "store/DataStore.h"
 #include "store/VaultLocation.h"
@@ -23,6 +27,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QDBusConnection>
 #include <QFileInfo>
 #include <QIcon>
 #include <QLabel>
@@ -55,6 +60,27 @@ void describeOptions(QCommandLineParser& parser) {
         QStringLiteral("vault"),
         QStringLiteral("Use the vault file at <path> instead of the default one."),
         QStringLiteral("path")));
+    parser.addOption(QCommandLineOption(
+        QStringLiteral("deliver-due-notifications"),
+        QStringLiteral("Show the renewal reminders that are due, then exit (no window; for the "
+                       "vorlane-reminders timer).")));
+}
+
+std::string vaultPathFrom(const QCommandLineParser& parser) {
+    return VaultLocation::resolve(
+        parser.isSet(QStringLiteral("vault"))
+            ? std::optional(parser.value(QStringLiteral("vault")).toStdString())
+            : std::nullopt);
+}
+
+// The reminders timer's run: only the schedule beside the vault is read, never the vault itself,
+// so it neither needs the keyring nor waits for a running program to let go of the vault.
+int deliverDueNotifications(int argc, char* argv[], const std::string& vaultPath) {
+    const QCoreApplication app(argc, argv);
+    const SystemClock clock;
+    DesktopNotificationCenter center(ReminderSchedule::pathBeside(vaultPath),
+                                     QDBusConnection::sessionBus(), clock);
+    return center.deliverDue(clock.now()) ? 0 : 1;
 }
 
 // Without a display there is nobody to click a message box away (and creating the GUI
@@ -115,6 +141,9 @@ int Application::run(int argc, char* argv[]) {
                                                                QStringLiteral("vorlane"))));
         return 0;
     }
+    if (parser.isSet(QStringLiteral("deliver-due-notifications"))) {
+        return deliverDueNotifications(argc, argv, vaultPathFrom(parser));
+    }
 
     // The vault is opened before the GUI exists, so that a vault that cannot be used is reported
     // (and the program ends) on a machine without a display too.
@@ -123,10 +152,7 @@ int Application::run(int argc, char* argv[]) {
     UserCalendar calendar(clock);
     LibsecretBackend secretBackend;
     KeychainManager keychain(secretBackend);
-    const std::string vaultPath = VaultLocation::resolve(
-        parser.isSet(QStringLiteral("vault"))
-            ? std::optional(parser.value(QStringLiteral("vault")).toStdString())
-            : std::nullopt);
+    const std::string vaultPath = vaultPathFrom(parser);
     // Locked before the vault is read, so that a second start leaves at once. The first run's
     // vault has no folder yet to hold the lock: the lock is taken once opening has made it.
     VaultLock vaultLock(vaultPath);
@@ -186,6 +212,10 @@ int Application::run(int argc, char* argv[]) {
         window.raise();
         window.activateWindow();
     });
+    DesktopNotificationCenter notificationCenter(ReminderSchedule::pathBeside(vaultPath),
+                                                 QDBusConnection::sessionBus(), clock);
+    NotificationManager notificationManager(notificationCenter, calendar);
+    const Reminders reminders(context, notificationCenter, notificationManager, window);
     window.show();
     const int status = QApplication::exec();
     // The shared instance outlives this function; the authenticator and timers it uses do not.

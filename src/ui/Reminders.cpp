@@ -1,0 +1,65 @@
+#include "Reminders.h"
+
+#include "DesktopNotificationCenter.h"
+#include "MainWindow.h"
+#include "app/AppContext.h"
+#include "app/AppState.h"
+#include "reminders/NotificationManager.h"
+#include "store/DataStore.h"
+#include "util/UserCalendar.h"
+
+#include <chrono>
+
+namespace vorlane {
+
+Reminders::Reminders(AppContext& context, DesktopNotificationCenter& center,
+                     NotificationManager& manager, MainWindow& window, QObject* parent)
+    : QObject(parent)
+    , m_context(context)
+    , m_center(center)
+    , m_manager(manager)
+    , m_window(&window) {
+    connect(&window, &MainWindow::contentShown, this, &Reminders::rebuild);
+    connect(&center, &DesktopNotificationCenter::activated, this, &Reminders::open);
+    center.watchActivations();
+    armDelivery();
+}
+
+Reminders::~Reminders() {
+    m_context.timers.cancel(m_deliveryTimer);
+}
+
+void Reminders::rebuild() {
+    m_manager.requestPermission();
+    m_manager.scheduleExpirationNotifications(m_context.store.fetchAllServices(false));
+}
+
+void Reminders::armDelivery() {
+    // Reminders fall due on whole minutes: wake at the start of the next one.
+    using namespace std::chrono;
+    const Instant now = m_context.calendar.now();
+    const Instant next = floor<minutes>(now) + minutes(1);
+    m_deliveryTimer =
+        m_context.timers.startOneShot(duration_cast<milliseconds>(next - now), [this] {
+            m_deliveryTimer = 0;
+            m_center.deliverDue(m_context.calendar.now());
+            armDelivery();
+        });
+}
+
+void Reminders::open(const QString& identifier) {
+    const std::optional<Uuid> id = NotificationManager::serviceOf(identifier.toStdString());
+    ServiceRecord* service = id ? m_context.store.service(*id) : nullptr;
+    if (service == nullptr) {
+        return; // deleted since the reminder was scheduled
+    }
+    m_context.state.navigateTo(*service);
+    if (m_window) {
+        m_window->setWindowState(m_window->windowState() & ~Qt::WindowMinimized);
+        m_window->show();
+        m_window->raise();
+        m_window->activateWindow();
+    }
+}
+
+} // namespace vorlane

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "util/Timers.h"
+
+#include <QObject>
+#include <QPointer>
+
+namespace vorlane {
+
+struct AppContext;
+class DesktopNotificationCenter;
+class MainWindow;
+class NotificationManager;
+
+// The running program's part in the reminders: each time the main window's content is shown it
+// asks for permission and rebuilds the schedule from every service that is not archived (nothing
+// else reschedules); at the start of every minute it delivers what has fallen due; a click on a
+// delivered reminder brings the window forward on that service. Main thread; the context, centre,
+// manager and window must outlive it.
+class Reminders : public QObject {
+    Q_OBJECT
+
+public:
+    Reminders(AppContext& context, DesktopNotificationCenter& center, NotificationManager& manager,
+              MainWindow& window, QObject* parent = nullptr);
+    ~Reminders() override;
+
+    // Asks for permission, then rebuilds the schedule.
+    void rebuild();
+
+private:
+    void armDelivery();
+    void open(const QString& identifier);
+
+    AppContext& m_context;
+    DesktopNotificationCenter& m_center;
+    NotificationManager& m_manager;
+    QPointer<MainWindow> m_window;
+    Timers::TimerId m_deliveryTimer = 0;
+};
+
+} // namespace vorlane
