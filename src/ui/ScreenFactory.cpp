@@ -11,6 +11,8 @@
 #include "screens/OrganizationFormSheet.h"
 #include "screens/OrganizationGridView.h"
 #include "screens/PlaceholderScreen.h"
+#include "screens/ServiceDetailView.h"
+#include "screens/ServiceFormSheet.h"
 #include "screens/SmartPasteSheet.h"
 #include "screens/SettingsView.h"
 
@@ -42,6 +44,9 @@ QWidget* ScreenFactory::createDetailScreen(DetailScreen screen, AppContext& cont
     case DetailScreen::search:
         return new GlobalSearchView(context);
     case DetailScreen::serviceDetail:
+        if (const ServiceRecord* service = context.state.selectedService()) {
+            return new ServiceDetailView(context, *service);
+        }
         return new PlaceholderScreen("key", QStringLiteral("Service"));
     case DetailScreen::organizationDetail:
         return new OrganizationDetailView(context, *context.state.selectedOrganization());
@@ -70,7 +75,7 @@ QDialog* ScreenFactory::createSheet(Sheet sheet, AppContext& context, QWidget* p
     case Sheet::newOrganization:
         return new OrganizationFormSheet(context, parent);
     case Sheet::newService:
-        return placeholderSheet("plus.rectangle.on.folder", QStringLiteral("New Service"), parent);
+        return new ServiceFormSheet(context, parent);
     case Sheet::smartPaste:
         return new SmartPasteSheet(context, context.state.selectedOrganization(), parent);
     case Sheet::shareFlow:

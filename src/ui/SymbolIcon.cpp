@@ -74,6 +74,17 @@ constexpr std::pair<std::string_view, const char*> symbolTable[] = {
     {"square.and.arrow.up", "document-share"},
     {"arrow.uturn.backward", "edit-undo"},
     {"trash", "edit-delete"},
+    {"arrow.up.right.square", "document-open-remote"},
+    {"arrow.left.arrow.right", "transform-move-horizontal"},
+    {"checkmark", "checkmark"},
+    {"repeat", "media-repeat-all"},
+    {"cart", "amarok_cart_view"},
+    {"arrow.clockwise", "view-refresh"},
+    {"arrow.triangle.2.circlepath", "media-playlist-repeat"},
+    {"tag", "tag"},
+    {"shield", "security-medium"},
+    {"plus.square.on.square", "window-duplicate"},
+    {"wand.and.stars", "password-generate"},
 };
 
 } // namespace

@@ -24,6 +24,8 @@ void ServiceRowMenu::buildItems() {
     const ServiceRecord& s = m_service;
     m_items = {
         {Action::open, "Open", "arrow.right.circle"},
+        {Action::edit, "Edit", "pencil"},
+        {Action::duplicate, "Duplicate", "plus.square.on.square", s.organization != nullptr},
         {Action::copyUsername, "Copy Username", "doc.on.doc", !s.username.empty(), true},
         // Whether a password is really stored would take a secret-store round trip on every
         // right click; a service without an identifier certainly has none.
@@ -53,6 +55,12 @@ void ServiceRowMenu::trigger(Action action) {
     switch (action) {
     case Action::open:
         m_open(m_service);
+        return;
+    case Action::edit:
+        m_context.serviceActions.edit(m_service);
+        return;
+    case Action::duplicate:
+        m_context.serviceActions.duplicate(m_service);
         return;
     case Action::copyUsername:
         copy(m_service.username);

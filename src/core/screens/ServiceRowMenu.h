@@ -17,12 +17,14 @@ struct ServiceRecord;
 // it closes; the service must stay alive while the menu is open (it is read again for every
 // action). Main thread only.
 //
-// Adding an item ("Edit" and "Duplicate" join with the service screens): a value in `Action`, a
-// line in `buildItems` in the group it belongs to, and its case in `trigger`.
+// Adding an item: a value in `Action`, a line in `buildItems` in the group it belongs to, and its
+// case in `trigger`.
 class ServiceRowMenu {
 public:
     enum class Action {
         open,
+        edit,
+        duplicate,
         copyUsername,
         copyPassword,
         copyURL,
@@ -56,11 +58,13 @@ public:
     const std::vector<Item>& items() const { return m_items; }
     const Item* item(Action action) const;
 
-    // Runs `action` when its item is enabled; a disabled one does nothing. Copying the password
-    // first asks the person to authenticate ("Copy password for " + title) and copies only when
-    // they did, once the reply comes; the service is looked up again then, so deleting it in the
-    // meantime copies nothing. "Open URL" and "Delete…" are not run here: the window opens the
-    // address (`url`) and asks `deleteConfirmation` before calling `deleteService`.
+    // Runs `action` when its item is enabled; a disabled one does nothing. "Edit" opens the
+    // service form on it; "Duplicate" makes the copy and shows it (a service without an
+    // organization cannot be copied: disabled). Copying the password first asks the person to
+    // authenticate ("Copy password for " + title) and copies only when they did, once the reply
+    // comes; the service is looked up again then, so deleting it in the meantime copies nothing.
+    // "Open URL" and "Delete…" are not run here: the window opens the address (`url`) and asks
+    // `deleteConfirmation` before calling `deleteService`.
     void trigger(Action action);
 
     // The address "Open URL" opens: the login URL as stored.

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "screens/ServiceDetailScreen.h"
+#include "util/ScopedConnection.h"
+
+#include <QWidget>
+
+#include <map>
+#include <vector>
+
+class QLabel;
+class QPushButton;
+class QToolButton;
+class QVBoxLayout;
+
+namespace vorlane {
+
+struct AppContext;
+struct ServiceRecord;
+class CapsuleLabel;
+
+// The service detail pane: draws a ServiceDetailScreen (header, actions bar, sections of rows)
+// and forwards the person's clicks to it. Rows are widgets updated in place while the screen's
+// layout stays the same, so that a button keeps the keyboard focus across a reveal or a copy.
+// Main thread; the context outlives it.
+class ServiceDetailView : public QWidget {
+    Q_OBJECT
+
+public:
+    ServiceDetailView(AppContext& context, const ServiceRecord& service, QWidget* parent = nullptr);
+    ~ServiceDetailView() override;
+
+    const ServiceDetailScreen& screen() const { return m_screen; }
+
+    // Asks "Delete Service" in a window-modal box; "Delete" deletes.
+    void confirmDelete();
+
+private:
+    struct RowWidgets {
+        QLabel* value = nullptr;
+        QToolButton* copy = nullptr;
+        QToolButton* reveal = nullptr;
+    };
+    using Layout = std::vector<std::pair<std::string, std::vector<ServiceDetailScreen::Field>>>;
+
+    void buildHeader(QVBoxLayout* layout);
+    void buildActions(QVBoxLayout* layout);
+    void refresh();
+    void rebuildSections(const std::vector<ServiceDetailScreen::Section>& sections);
+    QWidget* createRow(const ServiceDetailScreen::Row& row);
+    void updateRow(const ServiceDetailScreen::Row& row);
+
+    AppContext& m_context;
+    ServiceDetailScreen m_screen;
+
+    QLabel* m_typeIcon;
+    QLabel* m_title;
+    QLabel* m_subtitle;
+    CapsuleLabel* m_badge;
+    QPushButton* m_openURL;
+    QPushButton* m_markRenewed;
+    QLabel* m_message;
+    QWidget* m_sectionsHost;
+    QVBoxLayout* m_sectionsLayout;
+    Layout m_layout;
+    std::map<ServiceDetailScreen::Field, RowWidgets> m_rows;
+
+    ScopedConnection m_screenConnection;
+    ScopedConnection m_storeConnection;
+};
+
+} // namespace vorlane
