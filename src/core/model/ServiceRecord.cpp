@@ -3,6 +3,7 @@
 #include "util/UserCalendar.h"
 
 #include <array>
+#include <chrono>
 
 namespace vorlane {
 
@@ -12,6 +13,12 @@ namespace {
 constexpr int criticalBelowDays = 2;
 constexpr int upcomingUpToDays = 7;
 constexpr int soonUpToDays = 30;
+
+// A calendar day lasts at most 25 hours (the day a daylight-saving change takes an hour back),
+// so a date at least this far ahead is more than `soonUpToDays` whole days away whatever the
+// calendar says: such a date is `normal` without asking the calendar, which is what makes the
+// state of thousands of services cheap to work out.
+constexpr auto surelyNormalAfter = std::chrono::hours(25) * (soonUpToDays + 1);
 
 } // namespace
 
@@ -81,6 +88,9 @@ ExpirationState ServiceRecord::expirationState(const UserCalendar& calendar) con
     const Instant now = calendar.now();
     if (*expirationDate < now) {
         return ExpirationState::expired;
+    }
+    if (*expirationDate - now >= surelyNormalAfter) {
+        return ExpirationState::normal;
     }
     const std::optional<int> days = calendar.daysBetween(now, *expirationDate);
     if (!days || *days < criticalBelowDays) {
