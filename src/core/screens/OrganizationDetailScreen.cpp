@@ -258,7 +258,8 @@ OrganizationDetailScreen::Sharing OrganizationDetailScreen::sharing() const {
     for (ShareRecord* share : m_store.fetchShares(m_organization)) {
         ShareRow row{
             .share = share,
-            .date = DateText::format(share->sharedAt, DateText::Style::abbreviated, m_calendar),
+            .date =
+                DateText::format(share->sharedAt, DateText::Style::abbreviatedWithTime, m_calendar),
             .recipient = share->recipientLabel.empty() ? "Not specified" : share->recipientLabel,
             .method = share->shareMethod() ? std::string(share->shareMethod()->displayName())
                                            : share->shareMethodRaw,
