@@ -173,6 +173,29 @@ TEST_F(ExpenseScreenTest, CardsListTheirServicesCostliestFirstAndKeepTitleOrderO
     EXPECT_EQ(screen.summary()[2].value, "6");
 }
 
+TEST_F(ExpenseScreenTest, ReloadWorksOutTheCostOfAnEditedServiceAfresh) {
+    Organization& acme = addOrganization("Acme");
+    ServiceRecord& domain = paid(acme, "Domain", "0", "120", BillingCycle::annual);
+    ExpenseScreen screen(store(), GroupBy::type);
+    const auto cost = [&screen] {
+        screen.reload();
+        return screen.cards().at(0).services.at(0).costText();
+    };
+    EXPECT_EQ(cost(), "$10");
+    domain.yearlyCost = money("240");
+    store().noteChanged(domain);
+    EXPECT_EQ(cost(), "$20");
+    domain.setBillingCycle(BillingCycle::biennial);
+    store().noteChanged(domain);
+    EXPECT_EQ(cost(), "$10");
+    domain.monthlyCost = money("7");
+    store().noteChanged(domain);
+    EXPECT_EQ(cost(), "$7");
+    domain.monthlyCost = money("0");
+    store().noteChanged(domain);
+    EXPECT_EQ(cost(), "$10");
+}
+
 TEST_F(ExpenseScreenTest, ChartFollowsTheCardsAndFoldsTheCheapestIntoOneBarWhenThereAreMany) {
     Organization& acme = addOrganization("Acme");
     paid(acme, "Half", "5", "0", BillingCycle::monthly, ServiceType::vps, "B");

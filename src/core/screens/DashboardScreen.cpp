@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <memory>
 #include <optional>
 
@@ -130,27 +131,35 @@ void DashboardScreen::makeCostsDue() {
         starts[static_cast<std::size_t>(month)] = *start;
     }
 
-    std::array<Decimal, chartMonths> due{};
+    // Effective monthly costs summed by the month of the first renewal and the step, and only
+    // then multiplied and spread along the cycle: a dozen multiplications instead of one per
+    // service.
+    std::map<std::pair<int, int>, Decimal> byMonthAndStep;
     for (const ServiceRecord* service : m_store.fetchAllServices(false)) {
         if (!service->expirationDate || *service->expirationDate < starts.front() ||
             *service->expirationDate >= starts.back()) {
             continue;
         }
-        const int step = service->billingCycle().renewalMonths();
-        const Decimal amount = service->effectiveMonthlyCost() * Decimal(step);
-        if (amount <= Decimal()) {
+        const Decimal monthly = m_costs.of(*service);
+        if (monthly.isZero() || monthly.isNegative()) {
             continue;
         }
         // Calendar arithmetic keeps the month exact (31 January plus a month is still February),
-        // so every later renewal lands `step` months further on.
-        int month = static_cast<int>(
+        // so every later renewal lands a whole step of months further on.
+        const int month = static_cast<int>(
             std::upper_bound(starts.begin(), starts.end(), *service->expirationDate) -
             starts.begin() - 1);
-        for (; month < chartMonths; month += step) {
+        byMonthAndStep[{month, service->billingCycle().renewalMonths()}] += monthly;
+    }
+    std::array<Decimal, chartMonths> due{};
+    for (const auto& [key, monthly] : byMonthAndStep) {
+        const auto [firstMonth, step] = key;
+        const Decimal amount = monthly * Decimal(step);
+        for (int month = firstMonth; month < chartMonths; month += step) {
             due[static_cast<std::size_t>(month)] += amount;
         }
     }
-
+    m_costs.sweep();
     const Decimal largest = *std::max_element(due.begin(), due.end());
     m_hasCostsDue = largest > Decimal();
     const MonthWriter shortMonth(m_calendar, u"MMM");

@@ -15,8 +15,12 @@ namespace vorlane {
 
 namespace {
 
+bool isPositive(const Decimal& amount) {
+    return !amount.isZero() && !amount.isNegative();
+}
+
 bool carriesCost(const ServiceRecord& service) {
-    return service.monthlyCost > Decimal() || service.yearlyCost > Decimal();
+    return isPositive(service.monthlyCost) || isPositive(service.yearlyCost);
 }
 
 std::string countText(std::size_t count, std::string_view one, std::string_view many) {
@@ -60,9 +64,10 @@ void ExpenseScreen::reload() {
     m_paidServices.clear();
     for (ServiceRecord* service : m_store.fetchAllServices(false)) {
         if (carriesCost(*service)) {
-            m_paidServices.push_back({service, service->effectiveMonthlyCost()});
+            m_paidServices.push_back({service, m_costs.of(*service)});
         }
     }
+    m_costs.sweep();
     m_organizationCount = 0;
     for (const Organization* organization : m_store.fetchOrganizations(false)) {
         if (m_store.monthlyCost(*organization) > Decimal() ||
