@@ -165,6 +165,40 @@ TEST_F(VaultIndexTest, ListsSearchAndWindowsFollowARandomRunOfEdits) {
     EXPECT_EQ(ids(store().fetchExpiringSoon(30)), expiringBefore);
 }
 
+// Every edit leaves the old search text and title key behind in the store's one string buffer,
+// until there is enough garbage to compact it; what is read after compactions must be what the
+// records say.
+TEST_F(VaultIndexTest, SearchAndOrderSurviveCompactingTheStringBuffer) {
+    Organization& owner = addOrganization("Owner");
+    Services live;
+    for (int i = 0; i < 2000; ++i) {
+        live.push_back(&addService(owner, "svc " + std::to_string(i)));
+    }
+    ASSERT_EQ(store().fetchAllServices(), byTitle(live, false)); // every title has its key
+    const std::string filler(400, 'x');
+    for (std::size_t round = 0; round < 4; ++round) {
+        Services withNeedle;
+        for (std::size_t i = 0; i < live.size(); ++i) {
+            const bool needle = i % 3 == round % 3;
+            change(*live[i], [&](ServiceRecord& s) {
+                s.notes = filler + (needle ? " needle" : "");
+                // A permutation of the titles: every key changes, none repeats.
+                s.title = "svc " + std::to_string((i * 7 + round + 1) % 2000);
+            });
+        }
+        // Removals free slots (and their strings) between compactions.
+        store().deleteService(*live.back());
+        live.pop_back();
+        for (std::size_t i = 0; i < live.size(); ++i) {
+            if (i % 3 == round % 3) {
+                withNeedle.push_back(live[i]);
+            }
+        }
+        ASSERT_EQ(store().search("NEEDLE"), byTitle(withNeedle, false)) << "round " << round;
+        ASSERT_EQ(store().fetchAllServices(), byTitle(live, false)) << "round " << round;
+    }
+}
+
 // Deleting many ids in a row, each leaving a hole in a probe run, must never hide another id;
 // the second half of the bytes alone must be enough to tell ids apart.
 TEST(SlotsByIdTest, FindsEveryIdThroughGrowthAndDeletions) {

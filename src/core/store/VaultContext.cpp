@@ -166,14 +166,13 @@ void VaultContext::forgetService(ServiceRecord& service) {
     unindex(slot);
     m_titleOrder.remove(slot, TitleLess{this});
     ServiceIndex& entry = m_serviceIndex[slot];
-    dropString(entry.textLength);
-    if (entry.hasKey) {
-        dropString(entry.keyLength);
-    }
+    const std::uint32_t stringBytes = entry.textLength + (entry.hasKey ? entry.keyLength : 0);
     m_pendingServices.erase(&service);
     m_servicesById.erase(entry.id, idOfSlot());
     entry = ServiceIndex();
     m_services.remove(slot);
+    // Only now: a compaction must not keep the strings of a slot that is being freed.
+    dropString(stringBytes);
 }
 
 void VaultContext::noteChanged(Organization& organization) {
@@ -194,10 +193,11 @@ void VaultContext::noteChanged(ServiceRecord& service) {
         const std::string key = m_order.sortKey(service.title);
         if (key != std::string_view(m_strings).substr(entry.keyOffset, entry.keyLength)) {
             m_titleOrder.remove(slot, TitleLess{this});
-            dropString(entry.keyLength);
+            const std::uint32_t oldLength = entry.keyLength;
             entry.keyOffset = appendString(key);
             entry.keyLength = static_cast<std::uint32_t>(key.size());
             m_titleOrder.add(slot);
+            dropString(oldLength);
         }
     }
     index(slot);
