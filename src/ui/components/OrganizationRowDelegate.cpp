@@ -29,10 +29,10 @@ void OrganizationRowDelegate::paint(QPainter* painter, const QStyleOptionViewIte
              index.data(ListRole::logo).value<QImage>());
 }
 
-QSize OrganizationRowDelegate::sizeHint(const QStyleOptionViewItem& option,
-                                        const QModelIndex& index) const {
-    (void)index;
-    return {option.rect.width() > 0 ? option.rect.width() : 400, ListRole::rowHeight};
+QSize OrganizationRowDelegate::sizeHint(const QStyleOptionViewItem& /*option*/,
+                                        const QModelIndex& /*index*/) const {
+    // Rows take the view's width; asking for none keeps a horizontal scroll bar away.
+    return {1, ListRole::rowHeight};
 }
 
 void OrganizationRowDelegate::paintRow(QPainter& painter, const QStyleOptionViewItem& option,

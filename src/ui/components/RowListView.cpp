@@ -13,6 +13,7 @@ RowListView::RowListView(QWidget* parent)
     setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     setFrameShape(QFrame::NoFrame);
     setSpacing(0);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     viewport()->setAttribute(Qt::WA_Hover);
     connect(this, &QListView::clicked, this, [this](const QModelIndex& index) {
         if (index.flags().testFlag(Qt::ItemIsEnabled)) {

@@ -16,6 +16,8 @@ void SectionedRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& 
     initStyleOption(&opt, index);
     switch (index.data(ListRole::kind).value<ListRole::Kind>()) {
     case ListRole::Kind::sectionHeader:
+        // Headers are disabled items (the keyboard skips them) but must not look disabled.
+        opt.palette.setCurrentColorGroup(QPalette::Active);
         SectionHeader::paint(*painter, opt.rect, index.data(Qt::DisplayRole).toString(),
                              index.data(ListRole::sectionCount).toInt(), opt.palette, opt.font);
         return;
@@ -31,10 +33,10 @@ void SectionedRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& 
     }
 }
 
-QSize SectionedRowDelegate::sizeHint(const QStyleOptionViewItem& option,
-                                     const QModelIndex& index) const {
-    (void)index;
-    return {option.rect.width() > 0 ? option.rect.width() : 400, ListRole::rowHeight};
+QSize SectionedRowDelegate::sizeHint(const QStyleOptionViewItem& /*option*/,
+                                     const QModelIndex& /*index*/) const {
+    // Rows take the view's width; asking for none keeps a horizontal scroll bar away.
+    return {1, ListRole::rowHeight};
 }
 
 } // namespace vorlane

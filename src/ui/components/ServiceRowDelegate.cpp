@@ -30,10 +30,10 @@ void ServiceRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& op
     paintRow(*painter, opt, index.data(ListRole::serviceRow).value<ServiceRow>());
 }
 
-QSize ServiceRowDelegate::sizeHint(const QStyleOptionViewItem& option,
-                                   const QModelIndex& index) const {
-    (void)index;
-    return {option.rect.width() > 0 ? option.rect.width() : 400, ListRole::rowHeight};
+QSize ServiceRowDelegate::sizeHint(const QStyleOptionViewItem& /*option*/,
+                                   const QModelIndex& /*index*/) const {
+    // Rows take the view's width; asking for none keeps a horizontal scroll bar away.
+    return {1, ListRole::rowHeight};
 }
 
 void ServiceRowDelegate::paintRow(QPainter& painter, const QStyleOptionViewItem& option,
