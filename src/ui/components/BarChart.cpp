@@ -114,7 +114,8 @@ void BarChart::paintHorizontal(QPainter& painter, const QRect& area) {
         labelWidth = std::max(labelWidth, metrics.horizontalAdvance(toQString(bar.label)));
         valueWidth = std::max(valueWidth, metrics.horizontalAdvance(toQString(bar.valueText)));
     }
-    labelWidth = std::min(labelWidth, area.width() / 3);
+    // A pixel or two more than the widest label: elision measures a little differently.
+    labelWidth = std::min(labelWidth + 2, area.width() / 3);
     const int barLeft = area.left() + labelWidth + gap;
     const int barSpace = std::max(0, area.right() - barLeft - gap - valueWidth);
     int top = area.top();

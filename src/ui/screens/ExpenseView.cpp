@@ -59,6 +59,17 @@ ExpenseView::ExpenseView(AppContext& context, QWidget* parent)
     auto* picker = new QWidget;
     picker->setFixedWidth(pickerWidth);
     picker->setAccessibleName(toQString(ExpenseScreen::groupByTitle));
+    // The chosen segment must stand out in any palette; a plain checked button barely does on
+    // a dark one. Colours come from the palette, so the picker follows the theme.
+    picker->setStyleSheet(QStringLiteral(
+        "QPushButton { border: 1px solid palette(mid); padding: 4px 8px;"
+        " background: palette(button); color: palette(button-text); }"
+        "QPushButton#first { border-top-left-radius: 6px; border-bottom-left-radius: 6px; }"
+        "QPushButton#last { border-top-right-radius: 6px; border-bottom-right-radius: 6px; }"
+        "QPushButton:hover { border-color: palette(highlight); }"
+        "QPushButton:focus { border: 2px solid palette(highlight); }"
+        "QPushButton:checked { background: palette(highlight); color: palette(highlighted-text);"
+        " border-color: palette(highlight); }"));
     auto* segments = new QHBoxLayout(picker);
     segments->setContentsMargins(0, 0, 0, 0);
     segments->setSpacing(0);
@@ -68,6 +79,11 @@ ExpenseView::ExpenseView(AppContext& context, QWidget* parent)
         button->setCheckable(true);
         button->setChecked(groupBy == m_screen.groupBy());
         button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+        if (i == 0) {
+            button->setObjectName(QStringLiteral("first"));
+        } else if (i + 1 == ExpenseScreen::groupings.size()) {
+            button->setObjectName(QStringLiteral("last"));
+        }
         m_groupBy->addButton(button, static_cast<int>(i));
         segments->addWidget(button);
     }
