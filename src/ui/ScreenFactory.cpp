@@ -15,28 +15,12 @@
 #include "screens/ServiceFormSheet.h"
 #include "screens/SmartPasteSheet.h"
 #include "screens/SettingsView.h"
+#include "screens/ShareSheet.h"
 
 #include <QDialog>
-#include <QDialogButtonBox>
 #include <QVBoxLayout>
 
 namespace vorlane {
-
-namespace {
-
-QDialog* placeholderSheet(std::string_view symbol, const QString& title, QWidget* parent) {
-    auto* dialog = new QDialog(parent);
-    dialog->setWindowTitle(title);
-    auto* layout = new QVBoxLayout(dialog);
-    layout->addWidget(new PlaceholderScreen(symbol, title));
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
-    QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
-    layout->addWidget(buttons);
-    dialog->resize(520, 400);
-    return dialog;
-}
-
-} // namespace
 
 QWidget* ScreenFactory::createDetailScreen(DetailScreen screen, AppContext& context) {
     (void)context;
@@ -79,7 +63,11 @@ QDialog* ScreenFactory::createSheet(Sheet sheet, AppContext& context, QWidget* p
     case Sheet::smartPaste:
         return new SmartPasteSheet(context, context.state.selectedOrganization(), parent);
     case Sheet::shareFlow:
-        return placeholderSheet("paperplane", QStringLiteral("Share"), parent);
+        if (Organization* organization = context.state.shareOrganization()) {
+            return new ShareSheet(context, *organization, context.state.shareServices(), parent);
+        }
+        // A service without an organization has nothing to share with: the sheet opens empty.
+        return new QDialog(parent);
     case Sheet::settings: {
         // The same tabs as the settings window; Escape or the title bar closes it.
         auto* dialog = new QDialog(parent);

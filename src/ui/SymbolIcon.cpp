@@ -1,6 +1,8 @@
 #include "SymbolIcon.h"
 
 #include <QDir>
+#include <QGuiApplication>
+#include <QPalette>
 #include <QFileInfo>
 
 #include <utility>
@@ -85,6 +87,9 @@ constexpr std::pair<std::string_view, const char*> symbolTable[] = {
     {"shield", "security-medium"},
     {"plus.square.on.square", "window-duplicate"},
     {"wand.and.stars", "password-generate"},
+    {"lock.doc", "document-encrypt"},
+    {"doc.text.magnifyingglass", "document-preview"},
+    {"shippingbox", "package"},
 };
 
 } // namespace
@@ -104,7 +109,9 @@ void SymbolIcon::installTheme() {
         }
     }
     QIcon::setThemeSearchPaths(paths);
-    QIcon::setThemeName(QStringLiteral("breeze"));
+    // Breeze's monochrome icons are drawn for one background: the dark variant for a dark palette.
+    const bool dark = QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
+    QIcon::setThemeName(dark ? QStringLiteral("breeze-dark") : QStringLiteral("breeze"));
 }
 
 QString SymbolIcon::themeName(std::string_view symbol) {

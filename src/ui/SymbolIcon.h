@@ -10,8 +10,9 @@ namespace vorlane {
 // drawn from the Breeze theme that the set-up script installs. Main thread only (QIcon).
 class SymbolIcon {
 public:
-    // Makes Breeze the icon theme and adds the XDG icon folders to the search path: some Qt
-    // platform plugins (offscreen, minimal, plain X11 without a desktop) search none of them.
+    // Makes Breeze (Breeze Dark under a dark palette: call after the palette is set) the icon theme
+    // and adds the XDG icon folders to the search path: some Qt platform plugins (offscreen,
+    // minimal, plain X11 without a desktop) search none of them.
     static void installTheme();
     // The theme icon for `symbol`; a generic icon for a symbol the table lacks, never a blank one.
     static QIcon icon(std::string_view symbol);

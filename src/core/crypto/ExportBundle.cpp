@@ -45,13 +45,16 @@ bool isLowercaseHexDigest(const std::string& text) {
 
 } // namespace
 
+double ExportBundle::secondsSinceReferenceDate(Instant instant) {
+    return static_cast<double>((instant - referenceDate).count()) / 1000.0;
+}
+
 std::string ExportBundle::toJson() const {
-    const auto milliseconds = (createdAt - referenceDate).count();
     ordered_json object;
     object["version"] = version;
     object["salt"] = Base64::encode(salt);
     object["encryptedPayload"] = Base64::encode(encryptedPayload);
-    object["createdAt"] = static_cast<double>(milliseconds) / 1000.0;
+    object["createdAt"] = secondsSinceReferenceDate(createdAt);
     object["integrity"] = integrity;
     return JsonText::compact(object);
 }

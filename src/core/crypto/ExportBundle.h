@@ -28,6 +28,10 @@ struct ExportBundle {
     // base64; "createdAt" in seconds since 2001-01-01T00:00:00Z with the milliseconds as
     // fraction; every "/" escaped as "\/".
     std::string toJson() const;
+    // Seconds since 2001-01-01T00:00:00Z, with the milliseconds as fraction: how the files
+    // Vorlane exchanges write an instant.
+    static double secondsSinceReferenceDate(Instant instant);
+
     // Reads that text back. A file that is not a bundle of a version we know gets a sentence
     // saying what is wrong with it; nothing is decrypted here.
     static CryptoResult<ExportBundle, std::string> fromJson(std::string_view json);
