@@ -166,8 +166,9 @@ TEST_F(OrganizationDetailScreenTest, ExpensesAndRenewalsCoverThePaidAndTheDatedS
     const Detail::Renewals renewals = screen.renewals();
     std::vector<std::string> bands;
     for (const auto& band : renewals.bands) {
-        bands.push_back(band.title + " " + band.countText + " " + band.totalCostText + " " +
-                        band.rows.at(0).title + " " + band.rows.at(0).daysText);
+        bands.push_back(band.title + " " + std::to_string(band.rows.size()) + " " +
+                        band.totalCostText + " " + band.rows.at(0).title + " " +
+                        band.rows.at(0).daysText);
     }
     EXPECT_EQ(bands, (std::vector<std::string>{"Expired 1  One-time 3 days ago",
                                                "This Week 1 $15 Monthly 5 days left",

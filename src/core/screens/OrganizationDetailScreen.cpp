@@ -224,7 +224,6 @@ OrganizationDetailScreen::Renewals OrganizationDetailScreen::renewals() const {
     for (const TimeGroup& group : groupByTimeframe(dated, m_calendar)) {
         RenewalBand band;
         band.title = group.title;
-        band.countText = std::to_string(group.services.size());
         if (const Decimal total = group.totalCost(); total > Decimal()) {
             band.totalCostText = currencyFormatted(total);
         }

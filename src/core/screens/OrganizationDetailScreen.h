@@ -102,7 +102,6 @@ public:
 
     struct RenewalBand {
         std::string title;         // "Expired", "Critical (1 day)", ...
-        std::string countText;     // "3"
         std::string totalCostText; // formatted, empty when the band costs nothing
         std::vector<RenewalRow> rows;
     };

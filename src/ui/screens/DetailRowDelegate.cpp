@@ -58,8 +58,8 @@ void DetailRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opt
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     if (row->isHeader) {
-        SectionHeader::paint(*painter, option.rect.adjusted(margin, 0, -margin, 0), row->title, 0,
-                             palette, option.font);
+        SectionHeader::paint(*painter, option.rect.adjusted(margin, 0, -margin, 0), row->title,
+                             row->count, palette, option.font);
         if (!row->trailing.isEmpty()) {
             painter->setFont(option.font);
             painter->setPen(PaletteColor::color(row->trailingColor, palette));

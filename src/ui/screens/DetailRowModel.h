@@ -21,6 +21,7 @@ public:
         bool isHeader = false;
         QString title;
         QString subtitle;
+        int count = 0;    // a header's number of rows
         QString trailing; // at the right; for a header, e.g. the band's cost
         Palette::Color trailingColor = Palette::Color::secondary;
         std::string_view icon;

@@ -376,8 +376,8 @@ void OrganizationDetailView::showTab() {
             for (const auto& band : content.bands) {
                 DetailRowModel::Row header;
                 header.isHeader = true;
-                header.title =
-                    toQString(band.title) + QStringLiteral("  ") + toQString(band.countText);
+                header.title = toQString(band.title);
+                header.count = static_cast<int>(band.rows.size());
                 header.trailing = toQString(band.totalCostText);
                 rows.push_back(std::move(header));
                 for (const auto& row : band.rows) {

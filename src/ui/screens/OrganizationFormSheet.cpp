@@ -112,7 +112,10 @@ OrganizationFormSheet::OrganizationFormSheet(AppContext& context, QWidget* paren
 
     // Identity.
     m_name = boundField(m_form.name, QString(), [this] { m_save->setEnabled(m_form.canSave()); });
-    auto* identity = new QFormLayout;
+    // One form for every section, so that the labels of all sections share one column.
+    auto* fields = new QFormLayout;
+    fields->addRow(sectionTitle(QStringLiteral("Identity")));
+    QFormLayout* identity = fields;
     identity->addRow(QStringLiteral("Organization / Client Name"), m_name);
     identity->addRow(QStringLiteral("Project Name (optional)"),
                      boundField(m_form.projectName, QString()));
@@ -122,7 +125,8 @@ OrganizationFormSheet::OrganizationFormSheet(AppContext& context, QWidget* paren
     identity->addRow(QString(), active);
 
     // Contact.
-    auto* contact = new QFormLayout;
+    QFormLayout* contact = fields;
+    contact->addRow(sectionTitle(QStringLiteral("Contact")));
     contact->addRow(QStringLiteral("Contact Name"), boundField(m_form.contactName, QString()));
     contact->addRow(QStringLiteral("Contact Email"), boundField(m_form.contactEmail, QString()));
     contact->addRow(QStringLiteral("Contact Phone"), boundField(m_form.contactPhone, QString()));
@@ -136,7 +140,8 @@ OrganizationFormSheet::OrganizationFormSheet(AppContext& context, QWidget* paren
     notes->setAccessibleName(QStringLiteral("Notes"));
     connect(notes, &QPlainTextEdit::textChanged, this,
             [this, notes] { m_form.notes = toStdString(notes->toPlainText()); });
-    auto* details = new QFormLayout;
+    QFormLayout* details = fields;
+    details->addRow(sectionTitle(QStringLiteral("Details")));
     details->addRow(QStringLiteral("Tags (comma separated)"), m_tags);
     details->addRow(QStringLiteral("Notes"), notes);
 
@@ -145,12 +150,7 @@ OrganizationFormSheet::OrganizationFormSheet(AppContext& context, QWidget* paren
     bodyLayout->setContentsMargins(24, 24, 24, 24);
     bodyLayout->setSpacing(12);
     bodyLayout->addLayout(logoRow);
-    bodyLayout->addWidget(sectionTitle(QStringLiteral("Identity")));
-    bodyLayout->addLayout(identity);
-    bodyLayout->addWidget(sectionTitle(QStringLiteral("Contact")));
-    bodyLayout->addLayout(contact);
-    bodyLayout->addWidget(sectionTitle(QStringLiteral("Details")));
-    bodyLayout->addLayout(details);
+    bodyLayout->addLayout(fields);
     bodyLayout->addStretch();
     auto* scroll = new QScrollArea;
     scroll->setWidget(body);

@@ -153,13 +153,14 @@ void OrganizationGridView::reload() {
 }
 
 void OrganizationGridView::reflow() {
-    const int available = m_grid->viewport()->width();
-    const int columns = qMax(1, (available + cardSpacing) /
-                                    (OrganizationCardDelegate::minimumCardWidth + cardSpacing));
-    const int cardWidth = (available - columns * cardSpacing) / columns;
-    m_delegate->setCardWidth(qMax(160, cardWidth));
-    m_grid->setGridSize(QSize(qMax(160, cardWidth) + cardSpacing,
-                              OrganizationCardDelegate::cardHeight + cardSpacing));
+    // Whole grid cells that add up to a little less than the viewport: an icon-mode list wraps
+    // a row as soon as the next cell would touch its right edge.
+    const int available = m_grid->viewport()->width() - 2;
+    const int columns =
+        qMax(1, available / (OrganizationCardDelegate::minimumCardWidth + cardSpacing));
+    const int cell = qMax(OrganizationCardDelegate::minimumCardWidth / 2, available / columns);
+    m_delegate->setCardWidth(cell - cardSpacing);
+    m_grid->setGridSize(QSize(cell, OrganizationCardDelegate::cardHeight + cardSpacing));
 }
 
 void OrganizationGridView::updateFlips() {
