@@ -11,6 +11,7 @@
 #include "screens/OrganizationFormSheet.h"
 #include "screens/OrganizationGridView.h"
 #include "screens/PlaceholderScreen.h"
+#include "screens/RenewalView.h"
 #include "screens/ServiceDetailView.h"
 #include "screens/ServiceFormSheet.h"
 #include "screens/SmartPasteSheet.h"
@@ -41,9 +42,9 @@ QWidget* ScreenFactory::createDetailScreen(DetailScreen screen, AppContext& cont
     case DetailScreen::favoritesGrid:
         return new OrganizationGridView(context, OrganizationFilter::favorites);
     case DetailScreen::expiringSoon:
-        return new PlaceholderScreen("exclamationmark.triangle", QStringLiteral("Expiring Soon"));
+        return new RenewalView(context, RenewalFilter::expiringSoon);
     case DetailScreen::expired:
-        return new PlaceholderScreen("xmark.circle", QStringLiteral("Expired"));
+        return new RenewalView(context, RenewalFilter::expired);
     case DetailScreen::allCredentials:
         return new AllCredentialsView(context);
     case DetailScreen::expenses:

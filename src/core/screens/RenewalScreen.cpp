@@ -94,10 +94,13 @@ std::vector<RenewalScreen::Band> RenewalScreen::bandsOf(const std::vector<Servic
                                                         const UserCalendar& calendar) {
     std::vector<Band> bands;
     for (const TimeGroup& group : groupByTimeframe(services, calendar)) {
-        Band band{group.title, static_cast<int>(group.services.size()), {}, {}};
+        Band band{group.title, static_cast<int>(group.services.size()), {}, {}, {}};
+        band.accessibleText = band.title + ", " + std::to_string(band.count) + " item(s)";
         if (const Decimal total = group.totalCost(); total > Decimal()) {
             band.totalCostText = currencyFormatted(total);
+            band.accessibleText += ", " + band.totalCostText + " a month";
         }
+        band.accessibleText += ".";
         band.rows.reserve(group.services.size());
         for (ServiceRecord* service : group.services) {
             const ExpirationState state = service->expirationState(calendar);

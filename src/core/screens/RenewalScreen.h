@@ -44,6 +44,7 @@ public:
         int count;
         std::string totalCostText; // monthly, formatted; empty when the band costs nothing
         std::vector<Row> rows;
+        std::string accessibleText; // "This Week, 3 item(s), $40 a month."
     };
 
     // With an organization, only its services (the organization detail's Renewals tab).

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "screens/RenewalScreen.h"
+#include "util/ScopedConnection.h"
+
+#include <QWidget>
+
+class QLabel;
+class QStackedWidget;
+
+namespace vorlane {
+
+class EmptyStateView;
+class RenewalListModel;
+class RenewalRowDelegate;
+class RowListView;
+
+// The renewal screen: the header (title, item count) over the bands or the empty state. A row
+// chosen (click, Return) opens the service; its "Mark Renewed" button, Ctrl+R on the current row,
+// or the row's menu renews it. Follows the store as it changes.
+class RenewalView : public QWidget {
+    Q_OBJECT
+
+public:
+    RenewalView(AppContext& context, RenewalFilter filter, Organization* organization = nullptr,
+                QWidget* parent = nullptr);
+
+    const RenewalScreen& screen() const { return m_screen; }
+    RowListView* list() const { return m_list; }
+    QLabel* countLabel() const { return m_count; }
+
+private:
+    void showScreen();
+    void choose(const QModelIndex& index);
+    void markRenewed(const QModelIndex& index);
+    void showRowMenu(const QModelIndex& index, const QPoint& globalPosition);
+
+    RenewalScreen m_screen;
+    QLabel* m_count;
+    QStackedWidget* m_pages;
+    RowListView* m_list;
+    RenewalListModel* m_model;
+    RenewalRowDelegate* m_delegate;
+    EmptyStateView* m_empty;
+    ScopedConnection m_storeConnection;
+};
+
+} // namespace vorlane

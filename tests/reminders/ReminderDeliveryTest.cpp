@@ -1,0 +1,338 @@
+// The expiration reminders from the schedule to the desktop: what NotificationManager puts in the
+// schedule file (real DesktopNotificationCenter in a temp folder), what arrives at a notification
+// service of the tests' own on the run's private session bus, the schedule file surviving damage,
+// and one reminder never shown twice when the program and the timer's command deliver together.
+
+#include "DesktopNotificationCenter.h"
+#include "ManualClock.h"
+#include "NotificationServerProcess.h"
+#include "ReminderSchedule.h"
+#include "RunCommand.h"
+#include "TestTime.h"
+#include "model/Organization.h"
+#include "model/ServiceRecord.h"
+#include "reminders/NotificationManager.h"
+#include "util/SystemClock.h"
+#include "util/UserCalendar.h"
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QFile>
+#include <QJsonArray>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <deque>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace vorlane::testing {
+namespace {
+
+using namespace std::chrono;
+using Sound = NotificationRequest::Sound;
+using Level = NotificationRequest::InterruptionLevel;
+
+class ReminderTest : public ::testing::Test {
+protected:
+    ReminderTest() { m_acme.name = "Acme"; }
+
+    ServiceRecord& service(const std::string& title, std::optional<Instant> expiration,
+                           ServiceType type = ServiceType::domainRegistrar) {
+        ServiceRecord& service = m_services.emplace_back(ServiceRecord::created(m_clock.now()));
+        service.title = title;
+        service.expirationDate = expiration;
+        service.setServiceType(type);
+        service.organization = &m_acme;
+        return service;
+    }
+
+    void schedule() {
+        std::vector<ServiceRecord*> list;
+        for (ServiceRecord& s : m_services) {
+            list.push_back(&s);
+        }
+        m_manager.scheduleExpirationNotifications(list);
+    }
+
+    std::map<std::string, NotificationRequest> pendingById() {
+        std::map<std::string, NotificationRequest> byId;
+        for (NotificationRequest& request : m_center.pendingRequests()) {
+            byId.emplace(request.identifier, std::move(request));
+        }
+        return byId;
+    }
+
+    QString vaultPath() const { return m_folder.filePath(QStringLiteral("vault.sqlite")); }
+    QString schedulePath() const { return ReminderSchedule::pathBeside(vaultPath().toStdString()); }
+
+    QTemporaryDir m_folder;
+    ManualClock m_clock{utc(2026, 3, 10, 17)}; // noon in New York
+    UserCalendar m_calendar{m_clock, "America/New_York"};
+    DesktopNotificationCenter m_center{schedulePath(), QDBusConnection::sessionBus(), m_clock};
+    std::vector<std::string> m_log;
+    std::mutex m_logMutex;
+    NotificationManager m_manager{m_center, m_calendar, [this](const std::string& line) {
+                                      std::lock_guard lock(m_logMutex);
+                                      m_log.push_back(line);
+                                  }};
+    Organization m_acme;
+    std::deque<ServiceRecord> m_services;
+};
+
+TEST_F(ReminderTest, TenDaysAwayAtHalfPastTwoGivesBothRemindersWithTheirExactTexts) {
+    // 14:30:45 in New York, ten days on: the seconds are dropped from both reminders.
+    ServiceRecord& site =
+        service("acme.com", utc(2026, 3, 20, 18, 30) + seconds(45), ServiceType::domainRegistrar);
+    ServiceRecord& box = service("Build box", utc(2026, 3, 20, 18, 30), ServiceType::vps);
+    box.organization = nullptr;
+    schedule();
+
+    const auto pending = pendingById();
+    ASSERT_EQ(pending.size(), 4U);
+    const std::string id = site.id.toString();
+    EXPECT_EQ(pending.at("vorlane.warn." + id + ".3d"),
+              (NotificationRequest{
+                  .identifier = "vorlane.warn." + id + ".3d",
+                  .title = "Expiration Warning",
+                  .body = "Your Domain Registrar \"acme.com\" for Acme expires in 3 days.",
+                  .sound = Sound::standard,
+                  .categoryIdentifier = "EXPIRATION_WARNING",
+                  .interruptionLevel = Level::active,
+                  .dueMinute = utc(2026, 3, 17, 18, 30), // 14:30 seven days from now
+              }));
+    EXPECT_EQ(pending.at("vorlane.critical." + id + ".1d"),
+              (NotificationRequest{
+                  .identifier = "vorlane.critical." + id + ".1d",
+                  .title = "Critical: Expiring Tomorrow",
+                  .body = "Domain Registrar \"acme.com\" for Acme expires tomorrow.",
+                  .sound = Sound::critical,
+                  .categoryIdentifier = "EXPIRATION_CRITICAL",
+                  .interruptionLevel = Level::timeSensitive,
+                  .dueMinute = utc(2026, 3, 19, 18, 30), // 14:30 nine days from now
+              }));
+    const std::string boxId = box.id.toString();
+    EXPECT_EQ(pending.at("vorlane.warn." + boxId + ".3d").body,
+              "Your VPS \"Build box\" for a client expires in 3 days.");
+    EXPECT_EQ(pending.at("vorlane.critical." + boxId + ".1d").body,
+              "VPS \"Build box\" for a client expires tomorrow.");
+    EXPECT_EQ(NotificationManager::serviceOf("vorlane.critical." + boxId + ".1d"), box.id);
+}
+
+TEST_F(ReminderTest, OnlyRemindersStillAheadAreKeptAndARebuildDropsEveryEarlierOne) {
+    ServiceRecord& twoDays = service("Two days", m_clock.now() + hours(48) + minutes(5));
+    ServiceRecord& twentyHours = service("Twenty hours", m_clock.now() + hours(20));
+    ServiceRecord& past = service("Past", m_clock.now() - minutes(1));
+    ServiceRecord& undated = service("Undated", std::nullopt);
+    ServiceRecord& later = service("Later", m_clock.now() + days(20));
+    schedule();
+    std::set<std::string> ids;
+    for (const auto& [id, request] : pendingById()) {
+        ids.insert(id);
+    }
+    EXPECT_EQ(ids, (std::set<std::string>{"vorlane.critical." + twoDays.id.toString() + ".1d",
+                                          "vorlane.warn." + later.id.toString() + ".3d",
+                                          "vorlane.critical." + later.id.toString() + ".1d"}))
+        << "two days away: only the critical one; 20 hours, past and undated: none";
+    (void)twentyHours;
+    (void)past;
+    (void)undated;
+
+    // Archived, or renewed into the past by a wrong edit: the next rebuild forgets its reminders.
+    later.isArchived = true;
+    twoDays.expirationDate = m_clock.now() - days(1);
+    schedule();
+    EXPECT_TRUE(m_center.pendingRequests().empty());
+}
+
+TEST_F(ReminderTest, ReminderAcrossTheDaylightSavingChangeKeepsItsWallClockTime) {
+    // New York moves to summer time on 8 March 2026. Noon on 3 March is 17:00 UTC; an expiration at
+    // 14:30 on 10 March (summer time, 18:30 UTC) is reminded at 14:30 on the 7th (winter time,
+    // 19:30 UTC) and at 14:30 on the 9th (summer time, 18:30 UTC).
+    m_clock.set(utc(2026, 3, 3, 17));
+    const ServiceRecord& site = service("acme.com", utc(2026, 3, 10, 18, 30));
+    schedule();
+    const auto pending = pendingById();
+    EXPECT_EQ(pending.at("vorlane.warn." + site.id.toString() + ".3d").dueMinute,
+              utc(2026, 3, 7, 19, 30));
+    EXPECT_EQ(pending.at("vorlane.critical." + site.id.toString() + ".1d").dueMinute,
+              utc(2026, 3, 9, 18, 30));
+}
+
+TEST_F(ReminderTest, DueRemindersArriveOnceWithUrgencyCategoryAndDesktopEntry) {
+    NotificationServerProcess server;
+    ASSERT_TRUE(server.ready());
+    const ServiceRecord& site = service("acme.com", utc(2026, 3, 20, 18, 30));
+    schedule();
+
+    EXPECT_TRUE(m_center.deliverDue(utc(2026, 3, 17, 18, 29) + seconds(59)));
+    EXPECT_TRUE(server.shown().empty()) << "nothing before its minute";
+
+    EXPECT_TRUE(m_center.deliverDue(utc(2026, 3, 17, 18, 30)));
+    ASSERT_EQ(server.shown().size(), 1U);
+    const QJsonObject warning = server.shown().at(0);
+    EXPECT_EQ(warning.value("summary").toString(), "Expiration Warning");
+    EXPECT_EQ(warning.value("body").toString(),
+              "Your Domain Registrar \"acme.com\" for Acme expires in 3 days.");
+    EXPECT_EQ(warning.value("appIcon").toString(), VORLANE_APP_ID);
+    const QJsonObject hints = warning.value("hints").toObject();
+    EXPECT_EQ(hints.value("urgency").toInt(), 1);
+    EXPECT_EQ(hints.value("category").toString(), "EXPIRATION_WARNING");
+    EXPECT_EQ(hints.value("desktop-entry").toString(), VORLANE_APP_ID);
+    EXPECT_EQ(hints.value("sound-name").toString(), "message-new-instant");
+    EXPECT_TRUE(warning.value("actions").toArray().contains("default"));
+
+    // Already shown: the next minute shows nothing again; two days on, the critical one comes.
+    EXPECT_TRUE(m_center.deliverDue(utc(2026, 3, 17, 18, 31)));
+    EXPECT_EQ(server.shown().size(), 1U);
+    EXPECT_TRUE(m_center.deliverDue(utc(2026, 3, 19, 18, 30)));
+    ASSERT_EQ(server.shown().size(), 2U);
+    const QJsonObject critical = server.shown().at(1);
+    EXPECT_EQ(critical.value("summary").toString(), "Critical: Expiring Tomorrow");
+    EXPECT_EQ(critical.value("body").toString(),
+              "Domain Registrar \"acme.com\" for Acme expires tomorrow.");
+    EXPECT_EQ(critical.value("hints").toObject().value("urgency").toInt(), 2);
+    EXPECT_EQ(critical.value("hints").toObject().value("category").toString(),
+              "EXPIRATION_CRITICAL");
+    EXPECT_EQ(critical.value("hints").toObject().value("sound-name").toString(), "dialog-warning");
+    EXPECT_TRUE(m_center.pendingRequests().empty());
+
+    // A rebuild within the minute a reminder fell due does not bring it back.
+    m_clock.set(utc(2026, 3, 19, 18, 30) + seconds(20));
+    service("other.org", utc(2026, 4, 20, 18, 30));
+    const_cast<ServiceRecord&>(site).expirationDate = utc(2026, 3, 20, 18, 30) + seconds(40);
+    schedule();
+    EXPECT_TRUE(m_center.deliverDue(m_clock.now()));
+    EXPECT_EQ(server.shown().size(), 2U);
+
+    // A click on the critical one names it.
+    m_center.watchActivations();
+    QSignalSpy activated(&m_center, &DesktopNotificationCenter::activated);
+    server.click(static_cast<uint>(critical.value("id").toInt()));
+    ASSERT_TRUE(activated.wait(5000));
+    EXPECT_EQ(activated.at(0).at(0).toString().toStdString(),
+              "vorlane.critical." + site.id.toString() + ".1d");
+}
+
+TEST_F(ReminderTest, WithoutANotificationServiceThePermissionErrorIsLoggedAndRemindersWait) {
+    m_manager.requestPermission();
+    ASSERT_TRUE(QTest::qWaitFor([this] {
+        std::lock_guard lock(m_logMutex);
+        return !m_log.empty();
+    }));
+    {
+        std::lock_guard lock(m_logMutex);
+        EXPECT_TRUE(m_log.at(0).starts_with("Notification permission error: ")) << m_log.at(0);
+        EXPECT_GT(m_log.at(0).size(), std::string("Notification permission error: ").size());
+    }
+    service("acme.com", utc(2026, 3, 20, 18, 30));
+    schedule();
+    EXPECT_FALSE(m_center.deliverDue(utc(2026, 3, 17, 18, 30)));
+    EXPECT_EQ(m_center.pendingRequests().size(), 2U) << "kept for when a service answers";
+
+    NotificationServerProcess server;
+    ASSERT_TRUE(server.ready());
+    m_manager.requestPermission();
+    QTest::qWait(300);
+    {
+        std::lock_guard lock(m_logMutex);
+        EXPECT_EQ(m_log.size(), 1U) << "an answering service is permission enough";
+    }
+    EXPECT_TRUE(m_center.deliverDue(utc(2026, 3, 17, 18, 30)));
+    EXPECT_EQ(server.shown().size(), 1U) << "late, but once";
+}
+
+TEST_F(ReminderTest, DamagedScheduleIsSetAsideAndRebuiltWithoutACrash) {
+    {
+        QFile file(schedulePath());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("{\"version\":1,\"requests\":[{\"identifier\":\"vorlane.warn.X\"");
+    }
+    EXPECT_TRUE(m_center.pendingRequests().empty());
+    QFile aside(schedulePath() + ".damaged");
+    ASSERT_TRUE(aside.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(aside.readAll().startsWith("{\"version\":1")) << "kept for a person to look at";
+
+    service("acme.com", utc(2026, 3, 20, 18, 30));
+    schedule();
+    EXPECT_EQ(m_center.pendingRequests().size(), 2U);
+    // A field of the wrong kind is damage too, not a reminder due at the epoch.
+    QFile file(schedulePath());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    QByteArray content = file.readAll();
+    file.close();
+    content.replace("\"due\":", "\"due\":\"soon\",\"was\":");
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(content);
+    file.close();
+    EXPECT_TRUE(m_center.pendingRequests().empty());
+    EXPECT_EQ(QFile::permissions(schedulePath() + ".damaged") & QFileDevice::ReadOther,
+              QFileDevice::Permissions());
+}
+
+TEST_F(ReminderTest, TimerCommandDeliversWhileClosedAndNeverTwiceAlongsideTheProgram) {
+    NotificationServerProcess server;
+    ASSERT_TRUE(server.ready());
+    // Reminders due in the real past, since the command reads the real clock: both reminders of
+    // 40 services, 80 in all.
+    const SystemClock systemClock;
+    m_clock.set(systemClock.now() - days(10));
+    for (int i = 0; i < 40; ++i) {
+        service("site-" + std::to_string(i) + ".com", m_clock.now() + days(5) + minutes(i));
+    }
+    schedule();
+    m_center.flush();
+    ASSERT_EQ(m_center.pendingRequests().size(), 80U);
+
+    // Three timer runs and the program, all at once: each reminder must arrive exactly once.
+    std::vector<std::unique_ptr<QProcess>> commands;
+    for (int i = 0; i < 3; ++i) {
+        auto command = std::make_unique<QProcess>();
+        command->start(QStringLiteral(VORLANE_APP), {QStringLiteral("--deliver-due-notifications"),
+                                                     QStringLiteral("--vault"), vaultPath()});
+        commands.push_back(std::move(command));
+    }
+    EXPECT_TRUE(m_center.deliverDue(systemClock.now()));
+    for (auto& command : commands) {
+        ASSERT_TRUE(command->waitForFinished(30000));
+        EXPECT_EQ(command->exitCode(), 0) << command->readAllStandardError().toStdString();
+    }
+    std::map<QString, int> arrivals;
+    for (const QJsonObject& shown : server.shown()) {
+        ++arrivals[shown.value("summary").toString() + shown.value("body").toString()];
+    }
+    EXPECT_EQ(arrivals.size(), 80U);
+    EXPECT_TRUE(std::ranges::all_of(arrivals, [](const auto& entry) { return entry.second == 1; }));
+    EXPECT_TRUE(m_center.pendingRequests().empty());
+
+    // Run again by the timer: nothing new. A click on any of them, whoever showed it, names it.
+    const CommandRun run =
+        runCommand(std::string(VORLANE_APP) + " --deliver-due-notifications --vault " +
+                   shellWord(vaultPath().toStdString()));
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(server.shown().size(), 80U);
+    m_center.watchActivations();
+    QSignalSpy activated(&m_center, &DesktopNotificationCenter::activated);
+    for (const QJsonObject& shown : server.shown()) {
+        server.click(static_cast<uint>(shown.value("id").toInt()));
+    }
+    ASSERT_TRUE(QTest::qWaitFor([&] { return activated.size() == 80; }, 10000)) << activated.size();
+    std::set<QString> clicked;
+    for (const QList<QVariant>& arguments : activated) {
+        clicked.insert(arguments.at(0).toString());
+    }
+    EXPECT_EQ(clicked.size(), 80U);
+}
+
+} // namespace
+} // namespace vorlane::testing
