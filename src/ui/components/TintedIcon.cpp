@@ -10,6 +10,31 @@
 
 namespace vorlane {
 
+namespace {
+
+// Breeze draws actions and most small places in one grey; some symbols only exist as full-colour
+// application or device icons, which a tint would flatten into a blob. Those keep their colours.
+bool isMonochrome(const QImage& image) {
+    const QImage argb = image.convertToFormat(QImage::Format_ARGB32);
+    qsizetype opaque = 0;
+    qsizetype coloured = 0;
+    for (int y = 0; y < argb.height(); ++y) {
+        const auto* line = reinterpret_cast<const QRgb*>(argb.constScanLine(y));
+        for (int x = 0; x < argb.width(); ++x) {
+            if (qAlpha(line[x]) < 128) {
+                continue;
+            }
+            ++opaque;
+            if (QColor(line[x]).hsvSaturation() > 80) {
+                ++coloured;
+            }
+        }
+    }
+    return coloured * 10 <= opaque;
+}
+
+} // namespace
+
 QPixmap TintedIcon::pixmap(std::string_view symbol, int size, const QColor& color,
                            qreal devicePixelRatio) {
     const QString key = QStringLiteral("vorlane-tinted-%1-%2-%3-%4")
@@ -26,7 +51,7 @@ QPixmap TintedIcon::pixmap(std::string_view symbol, int size, const QColor& colo
     if (tinted.isNull()) {
         return tinted;
     }
-    {
+    if (isMonochrome(tinted.toImage())) {
         QPainter painter(&tinted);
         painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
         painter.fillRect(tinted.rect(), color);
