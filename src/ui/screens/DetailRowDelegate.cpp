@@ -58,11 +58,15 @@ void DetailRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opt
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     if (row->isHeader) {
+        // A header is a disabled item, so its option carries the disabled colours; a header is
+        // not greyed out.
+        QPalette headerPalette = palette;
+        headerPalette.setCurrentColorGroup(QPalette::Active);
         SectionHeader::paint(*painter, option.rect.adjusted(margin, 0, -margin, 0), row->title,
-                             row->count, palette, option.font);
+                             row->count, headerPalette, option.font);
         if (!row->trailing.isEmpty()) {
             painter->setFont(option.font);
-            painter->setPen(PaletteColor::color(row->trailingColor, palette));
+            painter->setPen(PaletteColor::color(row->trailingColor, headerPalette));
             painter->drawText(option.rect.adjusted(margin, 0, -margin, -6),
                               Qt::AlignRight | Qt::AlignBottom, row->trailing);
         }
