@@ -177,7 +177,7 @@ int Application::run(int argc, char* argv[]) {
 
     QApplication app(argc, argv);
     QApplication::setApplicationDisplayName(QStringLiteral("Vorlane"));
-    QApplication::setDesktopFileName(QStringLiteral("vorlane"));
+    QApplication::setDesktopFileName(QStringLiteral(VORLANE_APP_ID));
     // Our icon table names Breeze icons; use Breeze whatever the desktop's own theme is, so that
     // no icon comes out blank under a theme that lacks one of them.
     SymbolIcon::installTheme();
