@@ -12,6 +12,12 @@ inline QString toQString(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
+// For a button, group box or tab title, where Qt reads "&" as the mark of a shortcut letter: a
+// literal "&" ("Export & Share") is doubled so that it shows as written.
+inline QString toMnemonicSafe(std::string_view text) {
+    return toQString(text).replace(u'&', QStringLiteral("&&"));
+}
+
 inline std::string toStdString(const QString& text) {
     return text.toStdString();
 }

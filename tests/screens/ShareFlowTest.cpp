@@ -245,7 +245,7 @@ TEST_F(ShareFlowTest, TheSheetWritesABundleThatOpenBundleReadsBack) {
         }
     }
     ASSERT_TRUE(press(sheet, QStringLiteral("Review")));
-    ASSERT_TRUE(press(sheet, QStringLiteral("Export & Share")));
+    ASSERT_TRUE(press(sheet, QStringLiteral("Export && Share")));
     ASSERT_TRUE(waitFor([&] { return !m_acme.shareHistory.empty(); }));
     std::ofstream(folder() + "/pass") << "export pass";
     const CommandRun run = runCommand(std::string(VORLANE_CLI) + " open-bundle " + shellWord(path) +
@@ -263,7 +263,7 @@ TEST_F(ShareFlowTest, TheSheetShowsAFailedWriteAndLeavesNoFile) {
     sheet.show();
     tickFirstAndGoOn(sheet);
     ASSERT_TRUE(press(sheet, QStringLiteral("Review")));
-    ASSERT_TRUE(press(sheet, QStringLiteral("Export & Share")));
+    ASSERT_TRUE(press(sheet, QStringLiteral("Export && Share")));
     const ShareFlow& share = sheet.flow();
     ASSERT_TRUE(share.exportError().has_value());
     EXPECT_EQ(share.exportError()->rfind("The export could not be saved: ", 0), 0U);

@@ -242,7 +242,7 @@ QWidget* ShareSheet::createConfigureStep() {
     }
     layout->addWidget(formatBox);
 
-    auto* contentBox = new QGroupBox(QStringLiteral("Content & Redaction"));
+    auto* contentBox = new QGroupBox(QStringLiteral("Content && Redaction"));
     auto* contentLayout = new QVBoxLayout(contentBox);
     auto* secrets = new QCheckBox(QStringLiteral("Include secrets (passwords, API keys)"));
     contentLayout->addWidget(secrets);
@@ -423,7 +423,7 @@ void ShareSheet::refresh() {
     m_errorNotice->setVisible(error.has_value());
     m_errorText->setText(error ? toQString(*error) : QString());
     m_back->setVisible(m_flow.showsBack());
-    m_main->setText(toQString(m_flow.mainButtonTitle()));
+    m_main->setText(toMnemonicSafe(m_flow.mainButtonTitle()));
     m_main->setEnabled(m_flow.mainButtonEnabled());
 }
 

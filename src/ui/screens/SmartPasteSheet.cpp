@@ -380,7 +380,7 @@ void SmartPasteSheet::refresh() {
     m_busy->setVisible(m_parsing);
     m_editor->setReadOnly(m_parsing);
     m_back->setVisible(m_flow.showsBack());
-    m_main->setText(toQString(m_flow.mainButtonTitle()));
+    m_main->setText(toMnemonicSafe(m_flow.mainButtonTitle()));
     m_main->setEnabled(m_flow.mainButtonEnabled() && !m_parsing);
 }
 

@@ -1,0 +1,264 @@
+// Walks the whole window over a vault and writes a PNG of every screen and sheet, in the light or
+// the dark palette, so that a person can look at what the program shows without clicking through
+// it. Not a test: it asserts nothing. It works on a copy of the vault (OUT_DIR/tour.sqlite),
+// because the smart-paste step saves a credential. Runs on the offscreen platform:
+//
+//   vorlane_screenshot_tour VAULT OUT_DIR [light|dark]
+
+#include "LibsecretBackend.h"
+#include "MainWindow.h"
+#include "QtClipboard.h"
+#include "QtPreferenceStore.h"
+#include "QtTimers.h"
+#include "SymbolIcon.h"
+#include "app/AppContext.h"
+#include "app/AppState.h"
+#include "app/ServiceActions.h"
+#include "auth/AuthManager.h"
+#include "model/Organization.h"
+#include "model/ServiceRecord.h"
+#include "secrets/KeychainManager.h"
+#include "store/DataStore.h"
+#include "util/SystemClock.h"
+#include "util/UserCalendar.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialog>
+#include <QDir>
+#include <QFile>
+#include <QPalette>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QStyleFactory>
+#include <QTabWidget>
+#include <QTest>
+
+#include <cstdio>
+
+namespace {
+
+using namespace vorlane;
+
+QPalette darkPalette() {
+    QPalette palette;
+    const QColor window(0x2b, 0x2b, 0x2e), base(0x1e, 0x1e, 0x20), text(0xe8, 0xe8, 0xea);
+    palette.setColor(QPalette::Window, window);
+    palette.setColor(QPalette::WindowText, text);
+    palette.setColor(QPalette::Base, base);
+    palette.setColor(QPalette::AlternateBase, window);
+    palette.setColor(QPalette::ToolTipBase, base);
+    palette.setColor(QPalette::ToolTipText, text);
+    palette.setColor(QPalette::PlaceholderText, QColor(0x9a, 0x9a, 0xa0));
+    palette.setColor(QPalette::Text, text);
+    palette.setColor(QPalette::Button, window);
+    palette.setColor(QPalette::ButtonText, text);
+    palette.setColor(QPalette::BrightText, Qt::red);
+    palette.setColor(QPalette::Mid, QColor(0x50, 0x50, 0x55));
+    palette.setColor(QPalette::Midlight, QColor(0x3a, 0x3a, 0x3e));
+    palette.setColor(QPalette::Dark, QColor(0x18, 0x18, 0x1a));
+    palette.setColor(QPalette::Light, QColor(0x45, 0x45, 0x4a));
+    palette.setColor(QPalette::Highlight, QColor(0x3d, 0x7a, 0xed));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Link, QColor(0x6a, 0xa8, 0xff));
+    palette.setColor(QPalette::Disabled, QPalette::Text, QColor(0x70, 0x70, 0x75));
+    palette.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(0x70, 0x70, 0x75));
+    palette.setColor(QPalette::Disabled, QPalette::WindowText, QColor(0x70, 0x70, 0x75));
+    return palette;
+}
+
+void settle() {
+    for (int i = 0; i < 5; ++i) {
+        QApplication::processEvents();
+        QTest::qWait(40);
+    }
+}
+
+QPushButton* button(QWidget* parent, const QString& text) {
+    for (QPushButton* candidate : parent->findChildren<QPushButton*>()) {
+        if (candidate->text() == text && candidate->isVisible()) {
+            return candidate;
+        }
+    }
+    return nullptr;
+}
+
+void save(QWidget* widget, const QString& folder, const QString& name) {
+    settle();
+    const QString path = folder + u'/' + name + QStringLiteral(".png");
+    widget->grab().save(path);
+    std::printf("%s\n", qPrintable(path));
+}
+
+// Pastes a welcome mail, parses it, picks the first organization and saves, with a picture of
+// each step.
+void walkSmartPaste(QDialog* sheet, const QString& folder) {
+    for (QPlainTextEdit* editor : sheet->findChildren<QPlainTextEdit*>()) {
+        if (editor->accessibleName() == QStringLiteral("Pasted text")) {
+            editor->setPlainText(QStringLiteral(
+                "Hello Maria,\n\nYour new VPS is ready.\n\nServer IP: 203.0.113.42\n"
+                "Root password: Vx7#qLm2pT\nPort: 2222\n"
+                "Control panel: https://my.northwind.example/clientarea\n"
+                "Provider: Northwind Cloud\n\nYour next invoice is due on 2026-04-15.\n"));
+        }
+    }
+    save(sheet, folder, QStringLiteral("sheet-smart-paste-text"));
+    if (QPushButton* parse = button(sheet, QStringLiteral("Parse"))) {
+        parse->click();
+    }
+    if (auto* organizations = sheet->findChild<QComboBox*>();
+        organizations != nullptr && organizations->count() > 1) {
+        organizations->setCurrentIndex(1);
+        Q_EMIT organizations->activated(1);
+    }
+    save(sheet, folder, QStringLiteral("sheet-smart-paste-review"));
+    if (QPushButton* saveButton = button(sheet, QStringLiteral("Save Credential"))) {
+        saveButton->click();
+    }
+    save(sheet, folder, QStringLiteral("sheet-smart-paste-done"));
+}
+
+// Ticks every service, turns secrets on, and pictures the configure and confirm steps.
+void walkShare(QDialog* sheet, const QString& folder) {
+    if (QPushButton* all = button(sheet, QStringLiteral("Select All"))) {
+        all->click();
+    }
+    save(sheet, folder, QStringLiteral("sheet-share-select"));
+    if (QPushButton* next = button(sheet, QStringLiteral("Next"))) {
+        next->click();
+    }
+    for (QCheckBox* box : sheet->findChildren<QCheckBox*>()) {
+        if (box->text().startsWith(QStringLiteral("Include secrets"))) {
+            box->setChecked(true);
+        }
+    }
+    save(sheet, folder, QStringLiteral("sheet-share-configure"));
+    if (QPushButton* review = button(sheet, QStringLiteral("Review"))) {
+        review->click();
+    }
+    save(sheet, folder, QStringLiteral("sheet-share-confirm"));
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    if (argc < 3) {
+        std::fprintf(stderr, "usage: %s VAULT OUT_DIR [light|dark]\n", argv[0]);
+        return 2;
+    }
+    const QString folder = QString::fromLocal8Bit(argv[2]);
+    QDir().mkpath(folder);
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    if (argc > 3 && QByteArray(argv[3]) == "dark") {
+        QApplication::setPalette(darkPalette());
+    }
+    SymbolIcon::installTheme();
+
+    QtTimers mainLoop;
+    SystemClock clock;
+    UserCalendar calendar(clock);
+    LibsecretBackend backend;
+    KeychainManager keychain(backend);
+    const QString copy = folder + QStringLiteral("/tour.sqlite");
+    QFile::remove(copy);
+    if (!QFile::copy(QString::fromLocal8Bit(argv[1]), copy)) {
+        std::fprintf(stderr, "cannot copy the vault to %s\n", qPrintable(copy));
+        return 1;
+    }
+    auto opened = DataStore::open(copy.toStdString(), keychain, calendar, mainLoop);
+    if (!opened) {
+        std::fprintf(stderr, "%s\n", opened.error().c_str());
+        return 1;
+    }
+    DataStore& store = *opened.value();
+    QtClipboard clipboard;
+    QtPreferenceStore preferences(folder + QStringLiteral("/preferences.ini"));
+    AppState state(clipboard, mainLoop);
+    const ServiceActions actions(store, state, calendar);
+    AppContext context{store,    state,     AuthManager::shared(), calendar,
+                       mainLoop, clipboard, preferences,           actions};
+
+    MainWindow window(context);
+    window.show();
+    const std::pair<SidebarItem, const char*> destinations[] = {
+        {SidebarItem::dashboard, "dashboard"},  {SidebarItem::organizations, "organizations"},
+        {SidebarItem::favorites, "favorites"},  {SidebarItem::expiringSoon, "expiring-soon"},
+        {SidebarItem::expired, "expired"},      {SidebarItem::allCredentials, "all-credentials"},
+        {SidebarItem::allExpenses, "expenses"}, {SidebarItem::archive, "archive"},
+    };
+    for (const auto& [item, name] : destinations) {
+        state.setSelectedSidebarItem(item);
+        save(&window, folder, QString::fromLatin1(name));
+    }
+
+    state.setSearchQuery("host");
+    save(&window, folder, QStringLiteral("search"));
+    state.setSearchQuery("");
+
+    const std::vector<Organization*> organizations = store.fetchOrganizations();
+    if (!organizations.empty()) {
+        Organization& first = *organizations.front();
+        for (const OrgDetailTab tab : OrgDetailTab::allCases()) {
+            state.navigateTo(first);
+            state.setSelectedOrgTab(tab);
+            save(&window, folder,
+                 QStringLiteral("organization-") +
+                     QString::fromUtf8(tab.rawValue().data(),
+                                       static_cast<qsizetype>(tab.rawValue().size())));
+        }
+        if (!first.services.empty()) {
+            state.navigateTo(*first.services.front());
+            save(&window, folder, QStringLiteral("service"));
+            state.setSelectedService(nullptr);
+        }
+        state.setSelectedOrganization(nullptr);
+    }
+
+    const std::pair<Sheet, const char*> sheets[] = {
+        {Sheet::newOrganization, "sheet-new-organization"},
+        {Sheet::newService, "sheet-new-service"},
+        {Sheet::smartPaste, "sheet-smart-paste"},
+        {Sheet::settings, "sheet-settings"},
+    };
+    for (const auto& [sheet, name] : sheets) {
+        switch (sheet) {
+        case Sheet::newOrganization:
+            state.setShowingNewOrganization(true);
+            break;
+        case Sheet::newService:
+            state.setShowingNewService(true);
+            break;
+        case Sheet::smartPaste:
+            state.setShowingSmartPaste(true);
+            break;
+        case Sheet::settings:
+            state.setShowingSettings(true);
+            break;
+        case Sheet::shareFlow:
+            break;
+        }
+        settle();
+        QDialog* dialog = window.sheet(sheet);
+        if (dialog == nullptr) {
+            continue;
+        }
+        save(dialog, folder, QString::fromLatin1(name));
+        if (sheet == Sheet::smartPaste) {
+            walkSmartPaste(dialog, folder);
+        }
+        dialog->reject();
+    }
+    if (!organizations.empty()) {
+        state.startShare(*organizations.front(), {});
+        settle();
+        if (QDialog* dialog = window.sheet(Sheet::shareFlow)) {
+            walkShare(dialog, folder);
+            dialog->reject();
+        }
+    }
+    settle();
+    return 0;
+}
