@@ -21,6 +21,9 @@ ExpenseCardGrid::ExpenseCardGrid(QWidget* parent)
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     viewport()->setAutoFillBackground(false);
+    // The viewport reaches one gap past the right edge, so that the last column's card (not
+    // the gap after it) lines up with the summary cards above.
+    setViewportMargins(0, 0, -gap, 0);
 }
 
 int ExpenseCardGrid::cellWidth() const {
