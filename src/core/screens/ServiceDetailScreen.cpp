@@ -255,7 +255,9 @@ void ServiceDetailScreen::copy(Field field) {
     if (field == Field::password || field == Field::apiKey) {
         const Secret& state = secret(field);
         if (state.revealed) {
-            copyText(field, state.value);
+            if (!state.value.empty()) { // an unreadable secret leaves the clipboard alone
+                copyText(field, state.value);
+            }
             return;
         }
         const std::string reason =

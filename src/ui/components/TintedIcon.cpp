@@ -4,7 +4,9 @@
 #include "SymbolIcon.h"
 
 #include <QPainter>
+#include <QPalette>
 #include <QPixmapCache>
+#include <QWidget>
 
 #include <cmath>
 
@@ -59,6 +61,11 @@ QPixmap TintedIcon::pixmap(std::string_view symbol, int size, const QColor& colo
     tinted.setDevicePixelRatio(devicePixelRatio);
     QPixmapCache::insert(key, tinted);
     return tinted;
+}
+
+QIcon TintedIcon::ink(std::string_view symbol, const QWidget& widget, int size) {
+    return QIcon(pixmap(symbol, size, widget.palette().color(QPalette::ButtonText),
+                        widget.devicePixelRatioF()));
 }
 
 } // namespace vorlane

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <QColor>
+#include <QIcon>
 #include <QPixmap>
 
 #include <string_view>
+
+class QWidget;
 
 namespace vorlane {
 
@@ -14,6 +17,9 @@ class TintedIcon {
 public:
     static QPixmap pixmap(std::string_view symbol, int size, const QColor& color,
                           qreal devicePixelRatio);
+    // The symbol in `widget`'s button-text colour, for the icons of buttons and field rows: the
+    // Breeze theme is fixed, so its dark outlines would vanish on a dark palette otherwise.
+    static QIcon ink(std::string_view symbol, const QWidget& widget, int size = 16);
 };
 
 } // namespace vorlane

@@ -1,7 +1,6 @@
 #include "screens/ServiceDetailView.h"
 
 #include "QtText.h"
-#include "SymbolIcon.h"
 #include "app/AppContext.h"
 #include "components/CapsuleLabel.h"
 #include "components/PaletteColor.h"
@@ -32,7 +31,7 @@ constexpr int rowIconSize = 16;
 
 QToolButton* rowButton(std::string_view symbol, const QString& text, const QString& name) {
     auto* button = new QToolButton;
-    button->setIcon(SymbolIcon::icon(symbol));
+    button->setIcon(TintedIcon::ink(symbol, *button));
     button->setText(text);
     button->setToolTip(text);
     button->setAccessibleName(name);
@@ -42,7 +41,8 @@ QToolButton* rowButton(std::string_view symbol, const QString& text, const QStri
 }
 
 QPushButton* actionButton(std::string_view symbol, const QString& text) {
-    auto* button = new QPushButton(SymbolIcon::icon(symbol), text);
+    auto* button = new QPushButton(text);
+    button->setIcon(TintedIcon::ink(symbol, *button));
     button->setAutoDefault(false);
     return button;
 }
@@ -100,7 +100,7 @@ ServiceDetailView::~ServiceDetailView() = default;
 
 void ServiceDetailView::buildHeader(QVBoxLayout* layout) {
     auto* back = new QToolButton;
-    back->setIcon(SymbolIcon::icon("chevron.left"));
+    back->setIcon(TintedIcon::ink("chevron.left", *back));
     back->setText(QStringLiteral("Back"));
     back->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     back->setAutoRaise(true);
@@ -274,7 +274,9 @@ QWidget* ServiceDetailView::createRow(const ServiceDetailScreen::Row& row) {
     }
 
     auto* icon = new QLabel;
-    icon->setPixmap(SymbolIcon::icon(row.icon).pixmap(rowIconSize, rowIconSize));
+    icon->setPixmap(TintedIcon::pixmap(row.icon, rowIconSize,
+                                       PaletteColor::color(Palette::Color::secondary, palette()),
+                                       devicePixelRatioF()));
     icon->setFixedWidth(rowIconSize + 4);
     auto* label = new QLabel(toQString(row.label));
     makeSecondary(label);
@@ -286,8 +288,11 @@ QWidget* ServiceDetailView::createRow(const ServiceDetailScreen::Row& row) {
     if (row.kind == RowKind::secure) {
         parts.value->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     }
-    layout->addWidget(icon, 0, Qt::AlignTop);
-    layout->addWidget(label, 0, Qt::AlignTop);
+    // Single-line rows centre on their buttons; a long note starts level with its label.
+    const Qt::Alignment align = row.field == Field::notes ? Qt::AlignTop : Qt::AlignVCenter;
+    parts.value->setAlignment(Qt::AlignLeft | align);
+    layout->addWidget(icon, 0, align);
+    layout->addWidget(label, 0, align);
     layout->addWidget(parts.value, 1);
 
     const Field field = row.field;
@@ -297,7 +302,7 @@ QWidget* ServiceDetailView::createRow(const ServiceDetailScreen::Row& row) {
         parts.reveal->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
         connect(parts.reveal, &QToolButton::clicked, this,
                 [this, field] { m_screen.toggleReveal(field); });
-        layout->addWidget(parts.reveal, 0, Qt::AlignTop);
+        layout->addWidget(parts.reveal, 0, align);
     }
     if (row.kind == RowKind::url) {
         auto* open = rowButton("arrow.up.right.square", QStringLiteral("Open in Browser"),
@@ -305,13 +310,13 @@ QWidget* ServiceDetailView::createRow(const ServiceDetailScreen::Row& row) {
         connect(open, &QToolButton::clicked, this, [this] {
             QDesktopServices::openUrl(QUrl::fromUserInput(toQString(m_screen.loginURL())));
         });
-        layout->addWidget(open, 0, Qt::AlignTop);
+        layout->addWidget(open, 0, align);
     }
     if (row.kind != RowKind::info) {
         parts.copy =
             rowButton("doc.on.doc", QStringLiteral("Copy"), QStringLiteral("Copy ") + name);
         connect(parts.copy, &QToolButton::clicked, this, [this, field] { m_screen.copy(field); });
-        layout->addWidget(parts.copy, 0, Qt::AlignTop);
+        layout->addWidget(parts.copy, 0, align);
     }
     updateRow(row);
     return widget;
@@ -332,12 +337,12 @@ void ServiceDetailView::updateRow(const ServiceDetailScreen::Row& row) {
         parts.value->setPalette(palette);
     }
     if (parts.copy != nullptr) {
-        parts.copy->setIcon(SymbolIcon::icon(row.copyIcon()));
+        parts.copy->setIcon(TintedIcon::ink(row.copyIcon(), *parts.copy));
         parts.copy->setToolTip(row.copied ? QStringLiteral("Copied") : QStringLiteral("Copy"));
     }
     if (parts.reveal != nullptr) {
         parts.reveal->setText(toQString(row.revealText()));
-        parts.reveal->setIcon(SymbolIcon::icon(row.revealIcon()));
+        parts.reveal->setIcon(TintedIcon::ink(row.revealIcon(), *parts.reveal));
         parts.reveal->setAccessibleName(toQString(row.revealText()) + QLatin1Char(' ') +
                                         toQString(row.label));
         // A revealed secret may be selected and read; a masked one is just bullets.

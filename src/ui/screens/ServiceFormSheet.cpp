@@ -1,9 +1,9 @@
 #include "screens/ServiceFormSheet.h"
 
 #include "QtText.h"
-#include "SymbolIcon.h"
 #include "app/AppContext.h"
 #include "components/PaletteColor.h"
+#include "components/TintedIcon.h"
 #include "model/Organization.h"
 #include "util/UserCalendar.h"
 
@@ -115,7 +115,11 @@ ServiceFormSheet::ServiceFormSheet(AppContext& context, QWidget* parent)
     auto* type = new QComboBox;
     type->setAccessibleName(QStringLiteral("Service Type"));
     for (const ServiceType kind : ServiceType::allCases()) {
-        type->addItem(SymbolIcon::icon(kind.icon()), toQString(kind.label()));
+        const QColor tint = PaletteColor::color(kind.tintColor(), type->palette());
+        type->addItem(QIcon(TintedIcon::pixmap(kind.icon(), 16,
+                                               PaletteColor::foreground(tint, type->palette()),
+                                               type->devicePixelRatioF())),
+                      toQString(kind.label()));
     }
     type->setCurrentIndex(static_cast<int>(values.serviceType.index()));
     connect(type, &QComboBox::currentIndexChanged, this, [this](int index) {
@@ -208,6 +212,14 @@ ServiceFormSheet::ServiceFormSheet(AppContext& context, QWidget* parent)
     });
     form->addRow(QStringLiteral("Status"), status);
     bodyLayout->addStretch(1);
+    // One label column for every group, so that the fields line up from group to group.
+    for (QFormLayout* each : body->findChildren<QFormLayout*>()) {
+        for (int row = 0; row < each->rowCount(); ++row) {
+            if (QLayoutItem* item = each->itemAt(row, QFormLayout::LabelRole)) {
+                item->widget()->setMinimumWidth(110);
+            }
+        }
+    }
 
     auto* scroll = new QScrollArea;
     scroll->setWidget(body);
@@ -227,7 +239,7 @@ ServiceFormSheet::ServiceFormSheet(AppContext& context, QWidget* parent)
     layout->addWidget(buttons);
     // Only once the button is inside the dialog can it become the dialog's default (Return).
     m_save->setDefault(true);
-    resize(560, 720);
+    resize(600, 720);
     refresh();
     title->setFocus();
 }
@@ -264,7 +276,7 @@ QWidget* ServiceFormSheet::createSecretRow(SecretKind kind, const QString& name)
     });
     widgets.show = new QToolButton;
     widgets.show->setCheckable(true);
-    widgets.show->setIcon(SymbolIcon::icon("eye"));
+    widgets.show->setIcon(TintedIcon::ink("eye", *widgets.show));
     widgets.show->setToolTip(QStringLiteral("Show"));
     widgets.show->setAccessibleName(QStringLiteral("Show ") + name);
     widgets.show->setFocusPolicy(Qt::StrongFocus);
@@ -272,11 +284,11 @@ QWidget* ServiceFormSheet::createSecretRow(SecretKind kind, const QString& name)
     QToolButton* show = widgets.show;
     connect(show, &QToolButton::toggled, this, [edit, show](bool shown) {
         edit->setEchoMode(shown ? QLineEdit::Normal : QLineEdit::Password);
-        show->setIcon(SymbolIcon::icon(shown ? "eye.slash" : "eye"));
+        show->setIcon(TintedIcon::ink(shown ? "eye.slash" : "eye", *show));
         show->setToolTip(shown ? QStringLiteral("Hide") : QStringLiteral("Show"));
     });
-    auto* generate =
-        new QPushButton(SymbolIcon::icon("wand.and.stars"), QStringLiteral("Generate"));
+    auto* generate = new QPushButton(QStringLiteral("Generate"));
+    generate->setIcon(TintedIcon::ink("wand.and.stars", *generate));
     generate->setAutoDefault(false);
     generate->setAccessibleName(QStringLiteral("Generate ") + name);
     connect(generate, &QPushButton::clicked, this, [this, kind, edit] {
@@ -286,7 +298,8 @@ QWidget* ServiceFormSheet::createSecretRow(SecretKind kind, const QString& name)
                 toQString((kind == SecretKind::apiKey ? values.apiKey : values.password).text));
         }
     });
-    widgets.remove = new QPushButton(SymbolIcon::icon("trash"), QStringLiteral("Remove"));
+    widgets.remove = new QPushButton(QStringLiteral("Remove"));
+    widgets.remove->setIcon(TintedIcon::ink("trash", *widgets.remove));
     widgets.remove->setAutoDefault(false);
     widgets.remove->setAccessibleName(QStringLiteral("Remove stored ") + name);
     connect(widgets.remove, &QPushButton::clicked, this, [this, kind, edit] {
