@@ -12,33 +12,6 @@
 
 namespace vorlane {
 
-namespace {
-
-std::pair<UserCalendar::Unit, int> renewalStep(BillingCycle cycle) {
-    using Unit = UserCalendar::Unit;
-    switch (cycle.value()) {
-    case BillingCycle::monthly:
-        return {Unit::month, 1};
-    case BillingCycle::quarterly:
-        return {Unit::month, 3};
-    case BillingCycle::semiAnnual:
-        return {Unit::month, 6};
-    case BillingCycle::annual:
-        return {Unit::year, 1};
-    case BillingCycle::biennial:
-        return {Unit::year, 2};
-    case BillingCycle::triennial:
-        return {Unit::year, 3};
-    case BillingCycle::oneTime:
-    case BillingCycle::none:
-        // A one-time purchase that is renewed by hand is treated as yearly.
-        return {Unit::year, 1};
-    }
-    return {Unit::year, 1};
-}
-
-} // namespace
-
 ServiceActions::ServiceActions(DataStore& store, AppState& state, const UserCalendar& calendar)
     : m_store(store)
     , m_state(state)
@@ -48,8 +21,9 @@ void ServiceActions::markRenewed(ServiceRecord& service) const {
     if (!service.expirationDate) {
         return;
     }
-    const auto [unit, amount] = renewalStep(service.billingCycle());
-    service.expirationDate = m_calendar.adding(unit, amount, *service.expirationDate);
+    // A year is twelve months to the calendar too: 29 February plus either is 28 February.
+    service.expirationDate = m_calendar.adding(
+        UserCalendar::Unit::month, service.billingCycle().renewalMonths(), *service.expirationDate);
     const Instant now = m_calendar.now();
     service.renewalDate = now;
     service.setStatus(ServiceStatus::active);

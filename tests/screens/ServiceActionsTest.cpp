@@ -1,0 +1,39 @@
+// Marking a service renewed on the real store: one billing period ahead in the user's calendar.
+
+#include "ScreenFixture.h"
+#include "model/Organization.h"
+#include "model/ServiceRecord.h"
+
+namespace vorlane::testing {
+namespace {
+
+class ServiceActionsTest : public ScreenFixture {};
+
+TEST_F(ServiceActionsTest, MarkRenewedMovesTheDateOnePeriodOfItsCycleAndActivates) {
+    Organization& acme = addOrganization("Acme");
+    const auto renewed = [&](BillingCycle cycle, Instant from) {
+        ServiceRecord& service = addService(acme, "Renewed", [&](ServiceRecord& s) {
+            s.setBillingCycle(cycle);
+            s.expirationDate = from;
+            s.setStatus(ServiceStatus::expired);
+        });
+        m_actions->markRenewed(service);
+        EXPECT_EQ(service.status(), ServiceStatus::active);
+        return service.expirationDate;
+    };
+    // 10:00 in New York throughout (15:00 UTC in winter, 14:00 in summer).
+    EXPECT_EQ(renewed(BillingCycle::quarterly, utc(2025, 11, 30, 15)), utc(2026, 2, 28, 15));
+    EXPECT_EQ(renewed(BillingCycle::semiAnnual, utc(2026, 1, 15, 15)), utc(2026, 7, 15, 14));
+    EXPECT_EQ(renewed(BillingCycle::annual, utc(2028, 2, 29, 15)), utc(2029, 2, 28, 15));
+    EXPECT_EQ(renewed(BillingCycle::triennial, utc(2026, 3, 1, 15)), utc(2029, 3, 1, 15));
+    // One-time and no billing are renewed as if yearly.
+    EXPECT_EQ(renewed(BillingCycle::oneTime, utc(2026, 3, 1, 15)), utc(2027, 3, 1, 15));
+    EXPECT_EQ(renewed(BillingCycle::none, utc(2026, 3, 1, 15)), utc(2027, 3, 1, 15));
+    // Without an expiration date there is nothing to move.
+    ServiceRecord& undated = addService(acme, "Undated");
+    m_actions->markRenewed(undated);
+    EXPECT_EQ(undated.expirationDate, std::nullopt);
+}
+
+} // namespace
+} // namespace vorlane::testing
