@@ -300,8 +300,10 @@ TEST_F(ServiceDetailScreenTest, DuplicateCopiesFieldsAndSecretsUnderFreshIdentif
     plainScreen.duplicate();
     ASSERT_NE(m_state.selectedService(), nullptr);
     EXPECT_EQ(m_state.selectedService()->title, "Plain (Copy)");
-    EXPECT_TRUE(m_state.selectedService()->secretKeychainID.empty())
-        << "no identifier for a secret the source never had";
+    const ServiceRecord& plainCopy = *m_state.selectedService();
+    EXPECT_TRUE(plainCopy.secretKeychainID.starts_with("vorlane.secret."));
+    EXPECT_TRUE(plainCopy.apiKeyKeychainID.starts_with("vorlane.apikey."));
+    EXPECT_EQ(store().getPassword(plainCopy), std::nullopt) << "nothing to copy, nothing stored";
 }
 
 TEST_F(ServiceDetailScreenTest, DeleteRemovesBothSecretsThenTheRecordAndClosesTheScreen) {

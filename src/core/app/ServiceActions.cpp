@@ -66,12 +66,10 @@ ServiceRecord* ServiceActions::duplicate(const ServiceRecord& source) const {
     copy.isArchived = false;
     copy.createdAt = m_calendar.now();
     copy.updatedAt = copy.createdAt;
-    // A fresh identifier only for a secret the source has: a copy of a service without an API
-    // key must not grow an empty "API Key" row.
-    copy.secretKeychainID =
-        source.secretKeychainID.empty() ? std::string() : ServiceRecord::makeSecretKeychainID();
-    copy.apiKeyKeychainID =
-        source.apiKeyKeychainID.empty() ? std::string() : ServiceRecord::makeAPIKeyKeychainID();
+    // Fresh identifiers for both secrets, whatever the source holds: the copy must never share
+    // an item with its source, or deleting one would take the other's secret along.
+    copy.secretKeychainID = ServiceRecord::makeSecretKeychainID();
+    copy.apiKeyKeychainID = ServiceRecord::makeAPIKeyKeychainID();
 
     // The secrets first, so that a refusal leaves neither a record nor a stray item behind.
     const std::optional<std::string> password = m_store.getPassword(source);
