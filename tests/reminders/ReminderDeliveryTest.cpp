@@ -172,7 +172,7 @@ TEST_F(ReminderTest, ReminderAcrossTheDaylightSavingChangeKeepsItsWallClockTime)
 TEST_F(ReminderTest, DueRemindersArriveOnceWithUrgencyCategoryAndDesktopEntry) {
     NotificationServerProcess server;
     ASSERT_TRUE(server.ready());
-    const ServiceRecord& site = service("acme.com", utc(2026, 3, 20, 18, 30));
+    ServiceRecord& site = service("acme.com", utc(2026, 3, 20, 18, 30));
     schedule();
 
     EXPECT_TRUE(m_center.deliverDue(utc(2026, 3, 17, 18, 29) + seconds(59)));
@@ -210,7 +210,7 @@ TEST_F(ReminderTest, DueRemindersArriveOnceWithUrgencyCategoryAndDesktopEntry) {
     // A rebuild within the minute a reminder fell due does not bring it back.
     m_clock.set(utc(2026, 3, 19, 18, 30) + seconds(20));
     service("other.org", utc(2026, 4, 20, 18, 30));
-    const_cast<ServiceRecord&>(site).expirationDate = utc(2026, 3, 20, 18, 30) + seconds(40);
+    site.expirationDate = utc(2026, 3, 20, 18, 30) + seconds(40);
     schedule();
     EXPECT_TRUE(m_center.deliverDue(m_clock.now()));
     EXPECT_EQ(server.shown().size(), 2U);
@@ -284,15 +284,18 @@ TEST_F(ReminderTest, TimerCommandDeliversWhileClosedAndNeverTwiceAlongsideThePro
     NotificationServerProcess server;
     ASSERT_TRUE(server.ready());
     // Reminders due in the real past, since the command reads the real clock: both reminders of
-    // 40 services, 80 in all.
+    // 150 services, enough that the runs below overlap for a good while.
+    constexpr std::size_t serviceCount = 150;
+    constexpr std::size_t reminderCount = 2 * serviceCount;
     const SystemClock systemClock;
     m_clock.set(systemClock.now() - days(10));
-    for (int i = 0; i < 40; ++i) {
-        service("site-" + std::to_string(i) + ".com", m_clock.now() + days(5) + minutes(i));
+    for (std::size_t i = 0; i < serviceCount; ++i) {
+        service("site-" + std::to_string(i) + ".com",
+                m_clock.now() + days(5) + minutes(static_cast<int>(i)));
     }
     schedule();
     m_center.flush();
-    ASSERT_EQ(m_center.pendingRequests().size(), 80U);
+    ASSERT_EQ(m_center.pendingRequests().size(), reminderCount);
 
     // Three timer runs and the program, all at once: each reminder must arrive exactly once.
     std::vector<std::unique_ptr<QProcess>> commands;
@@ -311,7 +314,7 @@ TEST_F(ReminderTest, TimerCommandDeliversWhileClosedAndNeverTwiceAlongsideThePro
     for (const QJsonObject& shown : server.shown()) {
         ++arrivals[shown.value("summary").toString() + shown.value("body").toString()];
     }
-    EXPECT_EQ(arrivals.size(), 80U);
+    EXPECT_EQ(arrivals.size(), reminderCount);
     EXPECT_TRUE(std::ranges::all_of(arrivals, [](const auto& entry) { return entry.second == 1; }));
     EXPECT_TRUE(m_center.pendingRequests().empty());
 
@@ -320,18 +323,20 @@ TEST_F(ReminderTest, TimerCommandDeliversWhileClosedAndNeverTwiceAlongsideThePro
         runCommand(std::string(VORLANE_APP) + " --deliver-due-notifications --vault " +
                    shellWord(vaultPath().toStdString()));
     EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(server.shown().size(), 80U);
+    EXPECT_EQ(server.shown().size(), reminderCount);
     m_center.watchActivations();
     QSignalSpy activated(&m_center, &DesktopNotificationCenter::activated);
     for (const QJsonObject& shown : server.shown()) {
         server.click(static_cast<uint>(shown.value("id").toInt()));
     }
-    ASSERT_TRUE(QTest::qWaitFor([&] { return activated.size() == 80; }, 10000)) << activated.size();
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return static_cast<std::size_t>(activated.size()) == reminderCount; }, 10000))
+        << activated.size();
     std::set<QString> clicked;
     for (const QList<QVariant>& arguments : activated) {
         clicked.insert(arguments.at(0).toString());
     }
-    EXPECT_EQ(clicked.size(), 80U);
+    EXPECT_EQ(clicked.size(), reminderCount);
 }
 
 } // namespace

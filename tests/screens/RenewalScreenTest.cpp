@@ -1,0 +1,224 @@
+// The renewal screen on a real vault: its bands and their boundaries, the texts as shown, the
+// three filters and their empty states, Mark Renewed by billing cycle in the user's calendar, and
+// the widget in the window: the item count, the button, the keyboard.
+
+#include "screens/RenewalScreen.h"
+
+#include "MainWindow.h"
+#include "ScreenFixture.h"
+#include "components/RowListView.h"
+#include "model/Organization.h"
+#include "model/ServiceRecord.h"
+#include "screens/RenewalListModel.h"
+#include "screens/RenewalRowDelegate.h"
+#include "screens/RenewalView.h"
+
+#include <QLabel>
+
+#include <chrono>
+
+namespace vorlane::testing {
+namespace {
+
+using namespace std::chrono;
+
+class RenewalScreenTest : public ScreenFixture {
+protected:
+    ServiceRecord& dated(const std::string& title, std::optional<Instant> expiration,
+                         Organization* owner = nullptr) {
+        return addService(owner != nullptr ? *owner : m_acme, title,
+                          [&](ServiceRecord& s) { s.expirationDate = expiration; });
+    }
+
+    static std::vector<std::string> titles(const RenewalScreen::Band& band) {
+        std::vector<std::string> result;
+        for (const RenewalScreen::Row& row : band.rows) {
+            result.push_back(row.title);
+        }
+        return result;
+    }
+
+    static std::vector<std::string> bandTitles(const RenewalScreen& screen) {
+        std::vector<std::string> result;
+        for (const RenewalScreen::Band& band : screen.bands()) {
+            result.push_back(band.title);
+        }
+        return result;
+    }
+
+    Organization& m_acme = addOrganization("Acme");
+};
+
+TEST_F(RenewalScreenTest, AllRenewalsBandsEveryDatedLiveServiceWithTheStatedBoundaries) {
+    const Instant now = m_clock.now();
+    dated("in 31 days", now + days(31));
+    dated("in 30 days", now + days(30));
+    dated("in 8 days", now + days(8));
+    dated("in 7 days", now + days(7));
+    dated("in 2 days and 5 hours", now + days(2) + hours(5));
+    dated("in 47 hours 59", now + hours(47) + minutes(59));
+    dated("a minute ago", now - minutes(1));
+    dated("undated", std::nullopt);
+    ServiceRecord& archived = dated("archived", now + days(3));
+    archived.isArchived = true;
+    store().noteChanged(archived);
+    Organization& other = addOrganization("Borealis");
+    dated("other's", now + days(3), &other);
+
+    RenewalScreen screen(context(), RenewalFilter::all);
+    EXPECT_EQ(screen.title(), "All Renewals");
+    EXPECT_EQ(screen.countText(), "8 item(s)");
+    EXPECT_EQ(bandTitles(screen), (std::vector<std::string>{"Expired", "Critical (1 day)",
+                                                            "This Week", "This Month", "Later"}));
+    EXPECT_EQ(titles(screen.bands()[0]), std::vector<std::string>{"a minute ago"});
+    EXPECT_EQ(titles(screen.bands()[1]), std::vector<std::string>{"in 47 hours 59"});
+    EXPECT_EQ(titles(screen.bands()[2]),
+              (std::vector<std::string>{"in 2 days and 5 hours", "other's", "in 7 days"}))
+        << "by expiration date";
+    EXPECT_EQ(titles(screen.bands()[3]), (std::vector<std::string>{"in 8 days", "in 30 days"}));
+    EXPECT_EQ(titles(screen.bands()[4]), std::vector<std::string>{"in 31 days"});
+    EXPECT_EQ(screen.bands()[2].count, 3);
+
+    // The organization's Renewals tab: only its own services, in the same bands.
+    RenewalScreen tab(context(), RenewalFilter::all, &other);
+    EXPECT_EQ(tab.countText(), "1 item(s)");
+    EXPECT_EQ(bandTitles(tab), std::vector<std::string>{"This Week"});
+}
+
+TEST_F(RenewalScreenTest, RowsAndBandsCarryTheirTextsColoursAndExactTotals) {
+    const Instant now = m_clock.now();
+    ServiceRecord& vps = dated("Main VPS", now + days(12) + hours(1));
+    vps.setServiceType(ServiceType::vps);
+    vps.monthlyCost = Decimal::fromString("0.10").value();
+    ServiceRecord& mail = dated("Mailbox", now + days(20));
+    mail.setServiceType(ServiceType::mailbox);
+    mail.monthlyCost = Decimal::fromString("0.20").value();
+    dated("Old domain", now - days(3) - hours(2)).setServiceType(ServiceType::domainRegistrar);
+
+    RenewalScreen screen(context(), RenewalFilter::all);
+    ASSERT_EQ(screen.bands().size(), 2U);
+    const RenewalScreen::Band& expired = screen.bands()[0];
+    EXPECT_EQ(expired.totalCostText, "") << "a band that costs nothing shows no amount";
+    EXPECT_EQ(expired.rows[0].daysText, "3 days ago");
+    EXPECT_EQ(expired.rows[0].expiration, ExpirationState::expired);
+    EXPECT_EQ(expired.rows[0].daysColor, ExpirationState(ExpirationState::expired).color());
+
+    const RenewalScreen::Band& month = screen.bands()[1];
+    EXPECT_EQ(month.totalCostText, "$0.3");
+    EXPECT_EQ(month.accessibleText, "This Month, 2 item(s), $0.3 a month.");
+    const RenewalScreen::Row& row = month.rows[0];
+    EXPECT_EQ(row.daysText, "12 days left");
+    EXPECT_EQ(row.expiration, ExpirationState::soon);
+    EXPECT_EQ(row.typeIcon, ServiceType(ServiceType::vps).icon());
+    EXPECT_EQ(row.accessibleText, "Main VPS, VPS. Expiring Soon, 12 days left.");
+}
+
+TEST_F(RenewalScreenTest, ExpiringSoonAndExpiredListTheirOwnServicesOrShowTheirEmptyStates) {
+    RenewalScreen soon(context(), RenewalFilter::expiringSoon);
+    RenewalScreen expired(context(), RenewalFilter::expired);
+    EXPECT_EQ(soon.emptyState(),
+              (EmptyState{"calendar.badge.clock", "All Clear",
+                          "No services expiring soon. You're all up to date.", ""}));
+    EXPECT_EQ(expired.emptyState(),
+              (EmptyState{"xmark.circle", "Nothing Expired",
+                          "No expired services. Great job keeping things current!", ""}));
+    EXPECT_EQ(soon.countText(), "0 item(s)");
+
+    const Instant now = m_clock.now();
+    dated("in 31 days", now + days(31));
+    dated("in 30 days", now + days(30));
+    dated("in 2 days", now + days(2));
+    dated("last week", now - days(7));
+    dated("yesterday", now - days(1));
+    soon.rebuild();
+    expired.rebuild();
+    EXPECT_EQ(soon.title(), "Expiring Soon");
+    EXPECT_EQ(soon.countText(), "2 item(s)") << "30 days is the horizon, whatever the setting";
+    EXPECT_EQ(bandTitles(soon), (std::vector<std::string>{"This Week", "This Month"}));
+    EXPECT_EQ(soon.emptyState(), std::nullopt);
+    EXPECT_EQ(expired.title(), "Expired");
+    ASSERT_EQ(bandTitles(expired), std::vector<std::string>{"Expired"});
+    EXPECT_EQ(titles(expired.bands()[0]), (std::vector<std::string>{"last week", "yesterday"}));
+}
+
+TEST_F(RenewalScreenTest, MarkRenewedStepsByBillingCycleInTheUsersCalendarAndSaves) {
+    // 31 January 2026, 09:00 in New York: a month later is the end of February, same hour.
+    ServiceRecord& monthly = dated("Monthly", utc(2026, 1, 31, 14));
+    monthly.setBillingCycle(BillingCycle::monthly);
+    monthly.setStatus(ServiceStatus::expired);
+    ServiceRecord& once = dated("One time", utc(2026, 3, 1, 14));
+    once.setBillingCycle(BillingCycle::oneTime);
+    ServiceRecord& undated = dated("Undated", std::nullopt);
+    store().save();
+
+    RenewalScreen screen(context(), RenewalFilter::expired);
+    EXPECT_EQ(screen.countText(), "2 item(s)");
+    m_clock.advance(minutes(5));
+    screen.markRenewed(monthly);
+    EXPECT_EQ(monthly.expirationDate, utc(2026, 2, 28, 14));
+    EXPECT_EQ(monthly.status(), ServiceStatus::active);
+    EXPECT_EQ(monthly.renewalDate, m_clock.now());
+    EXPECT_EQ(monthly.updatedAt, m_clock.now());
+    EXPECT_FALSE(store().hasUnsavedChanges()) << "saved at once";
+
+    screen.markRenewed(once);
+    EXPECT_EQ(once.expirationDate, utc(2027, 3, 1, 14)) << "one-time counts as a year";
+    EXPECT_EQ(once.status(), ServiceStatus::active);
+    const Instant untouched = undated.updatedAt;
+    screen.markRenewed(undated);
+    EXPECT_EQ(undated.expirationDate, std::nullopt);
+    EXPECT_EQ(undated.updatedAt, untouched);
+
+    // Still expired after one month: the screen follows the store.
+    screen.rebuild();
+    EXPECT_EQ(screen.countText(), "1 item(s)");
+}
+
+TEST_F(RenewalScreenTest, WidgetInTheWindowRenewsByButtonAndKeyAndOpensByReturn) {
+    const Instant now = m_clock.now();
+    ServiceRecord& late = dated("Late site", now - days(2));
+    late.setBillingCycle(BillingCycle::annual);
+    ServiceRecord& older = dated("Older site", now - days(9));
+    older.setBillingCycle(BillingCycle::annual);
+    MainWindow window(context());
+    window.show();
+    m_state.setSelectedSidebarItem(SidebarItem::expired);
+    auto* view = qobject_cast<RenewalView*>(window.detailScreen());
+    ASSERT_NE(view, nullptr);
+    EXPECT_EQ(view->countLabel()->text(), QStringLiteral("2 item(s)"));
+    RowListView* list = view->list();
+    ASSERT_TRUE(waitFor([&] { return list->isVisible(); }));
+    // Row 0 is the "Expired" header; row 1 the older site.
+    const QModelIndex olderRow = list->model()->index(1, 0);
+    EXPECT_EQ(olderRow.data(Qt::AccessibleTextRole).toString(),
+              QStringLiteral("Older site, Custom Secret. Expired, 9 days ago."));
+    QStyleOptionViewItem option;
+    option.rect = list->visualRect(olderRow);
+    option.font = list->font();
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                      RenewalRowDelegate::buttonRect(option).center());
+    ASSERT_TRUE(waitFor([&] { return *older.expirationDate > now; }));
+    EXPECT_EQ(m_state.selectedService(), nullptr) << "the button renews, it does not open";
+    ASSERT_TRUE(waitFor([&] { return view->countLabel()->text() == QStringLiteral("1 item(s)"); }));
+
+    list->setFocus();
+    list->setCurrentIndex(list->model()->index(1, 0));
+    QTest::keyClick(list, Qt::Key_R, Qt::ControlModifier);
+    ASSERT_TRUE(waitFor([&] { return *late.expirationDate > now; }));
+    // Nothing expired any more: the empty state, and the window keeps this screen.
+    ASSERT_TRUE(waitFor([&] { return view->countLabel()->text() == QStringLiteral("0 item(s)"); }));
+
+    m_state.setSelectedSidebarItem(SidebarItem::expiringSoon);
+    late.expirationDate = now + days(5);
+    store().noteChanged(late);
+    auto* soon = qobject_cast<RenewalView*>(window.detailScreen());
+    ASSERT_NE(soon, nullptr);
+    ASSERT_TRUE(waitFor([&] { return soon->list()->model()->rowCount() == 2; }));
+    soon->list()->setFocus();
+    soon->list()->setCurrentIndex(soon->list()->model()->index(1, 0));
+    QTest::keyClick(soon->list(), Qt::Key_Return);
+    EXPECT_EQ(m_state.selectedService(), &late);
+}
+
+} // namespace
+} // namespace vorlane::testing
