@@ -53,6 +53,9 @@ Environment& environment() {
 }
 
 DataStore& sharedStore(std::int64_t services) {
+    // The environment first, so that it outlives the stores: closing a store saves what the
+    // benchmarks left pending, through the environment's calendar and timers.
+    Environment& shared = environment();
     static std::map<std::int64_t, std::unique_ptr<DataStore>> stores;
     auto& store = stores[services];
     if (!store) {
@@ -60,8 +63,7 @@ DataStore& sharedStore(std::int64_t services) {
                                   ("vorlane-screen-bench-" + std::to_string(services) + ".sqlite"))
                                      .string();
         const bool fresh = !std::filesystem::exists(path);
-        auto opened = DataStore::open(path, environment().keychain, environment().calendar,
-                                      environment().timers);
+        auto opened = DataStore::open(path, shared.keychain, shared.calendar, shared.timers);
         if (!opened) {
             throw std::runtime_error("cannot open " + path + ": " + opened.error());
         }

@@ -45,7 +45,7 @@ protected:
     static std::vector<std::string> serviceTitles(const ExpenseScreen::Card& card) {
         std::vector<std::string> result;
         for (const ExpenseScreen::ServiceLine& line : card.services) {
-            result.push_back(line.title);
+            result.emplace_back(line.title);
         }
         return result;
     }

@@ -46,7 +46,7 @@ std::string ExpenseScreen::ServiceLine::costText() const {
 }
 
 std::string ExpenseScreen::ServiceLine::accessibleText() const {
-    return title + ", " + std::string(cycleLabel) + ", " + costText() + " a month";
+    return std::string(title) + ", " + std::string(cycleLabel) + ", " + costText() + " a month";
 }
 
 std::string ExpenseScreen::Card::accessibleText() const {

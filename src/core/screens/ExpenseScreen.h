@@ -48,7 +48,9 @@ public:
         ServiceRecord* service = nullptr;
         std::string_view typeIcon;
         Palette::Color typeTint = Palette::Color::secondary;
-        std::string title;
+        // The record's own title, not a copy (tens of thousands of them per rebuild): valid
+        // until the store changes, when the screen is rebuilt anyway.
+        std::string_view title;
         std::string_view cycleLabel;
         Decimal monthlyCost;
 
