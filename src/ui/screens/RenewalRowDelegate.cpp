@@ -13,6 +13,8 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <algorithm>
+
 namespace vorlane {
 
 namespace {
@@ -26,6 +28,18 @@ constexpr int buttonHeight = 26;
 
 const RenewalListModel* renewalModel(const QModelIndex& index) {
     return qobject_cast<const RenewalListModel*>(index.model());
+}
+
+// The widest expiration badge, so that the kinds and titles after it line up in one column.
+int badgeColumnWidth(const QFont& font) {
+    int widest = 0;
+    for (std::size_t state = 0; state < ExpirationState::caseCount; ++state) {
+        const auto value = static_cast<ExpirationState::Value>(state);
+        widest = std::max(widest, CapsuleBadge::sizeFor(
+                                      toQString(ExpirationState(value).displayName()), font, true)
+                                      .width());
+    }
+    return widest;
 }
 
 QFont buttonFont(const QFont& base) {
@@ -100,8 +114,8 @@ void RenewalRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& op
     CapsuleBadge::paint(*painter, badge, badgeText, row->expiration.icon(),
                         PaletteColor::color(row->expiration.color(), palette), palette);
     const QColor tint = PaletteColor::color(row->typeTint, palette);
-    const QRect tile(badge.right() + gap + 1, rect.center().y() - tileSize / 2 + 1, tileSize,
-                     tileSize);
+    const QRect tile(rect.left() + badgeColumnWidth(opt.font) + gap,
+                     rect.center().y() - tileSize / 2 + 1, tileSize, tileSize);
     QPainterPath tilePath;
     tilePath.addRoundedRect(QRectF(tile), 8, 8);
     painter->fillPath(tilePath, PaletteColor::fill(tint, palette));
