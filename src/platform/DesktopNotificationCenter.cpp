@@ -7,8 +7,8 @@
 #include <QTimer>
 #include <QVariantMap>
 
-#include <algorithm>
 #include <iostream>
+#include <unordered_set>
 #include <utility>
 
 namespace vorlane {
@@ -65,22 +65,24 @@ void DesktopNotificationCenter::requestAuthorization(AuthorizationReply reply) {
 
 void DesktopNotificationCenter::removeAllPendingRequests() {
     m_staged.emplace();
+    m_stagedIndex.clear();
     scheduleFlush();
 }
 
 void DesktopNotificationCenter::add(NotificationRequest request) {
     if (!m_staged) {
         m_staged.emplace();
+        m_stagedIndex.clear();
         for (ReminderSchedule::Entry& entry : pendingEntries()) {
+            m_stagedIndex.emplace(entry.request.identifier, m_staged->size());
             m_staged->push_back(std::move(entry.request));
         }
     }
-    const auto same =
-        std::ranges::find(*m_staged, request.identifier, &NotificationRequest::identifier);
-    if (same != m_staged->end()) {
-        *same = std::move(request);
-    } else {
+    const auto [position, added] = m_stagedIndex.emplace(request.identifier, m_staged->size());
+    if (added) {
         m_staged->push_back(std::move(request));
+    } else {
+        (*m_staged)[position->second] = std::move(request);
     }
     scheduleFlush();
 }
@@ -99,6 +101,7 @@ void DesktopNotificationCenter::flush() {
     }
     std::vector<NotificationRequest> staged = std::move(*m_staged);
     m_staged.reset();
+    m_stagedIndex.clear();
 
     const ReminderSchedule::Lock lock = m_schedule.lock();
     // Shown requests stay (the timer's command may have shown some since this process last
@@ -110,15 +113,14 @@ void DesktopNotificationCenter::flush() {
             entries.push_back(std::move(entry));
         }
     }
-    const std::size_t shownCount = entries.size();
+    std::unordered_set<std::string> shown;
+    for (const ReminderSchedule::Entry& entry : entries) {
+        shown.insert(entry.request.identifier + '@' +
+                     std::to_string(entry.request.dueMinute.time_since_epoch().count()));
+    }
     for (NotificationRequest& request : staged) {
-        const bool alreadyShown =
-            std::any_of(entries.begin(), entries.begin() + static_cast<std::ptrdiff_t>(shownCount),
-                        [&](const ReminderSchedule::Entry& shown) {
-                            return shown.request.identifier == request.identifier &&
-                                   shown.request.dueMinute == request.dueMinute;
-                        });
-        if (!alreadyShown) {
+        if (!shown.contains(request.identifier + '@' +
+                            std::to_string(request.dueMinute.time_since_epoch().count()))) {
             entries.push_back({std::move(request), false, std::nullopt});
         }
     }

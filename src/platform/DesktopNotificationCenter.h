@@ -11,6 +11,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace vorlane {
@@ -76,8 +77,10 @@ private:
     ReminderSchedule m_schedule;
     QDBusConnection m_bus;
     const Clock& m_clock;
-    // The rebuilt list of pending requests, while it is not written yet.
+    // The rebuilt list of pending requests, while it is not written yet, and where each
+    // identifier sits in it (a rebuild adds thousands: finding one must not walk the list).
     std::optional<std::vector<NotificationRequest>> m_staged;
+    std::unordered_map<std::string, std::size_t> m_stagedIndex;
     bool m_flushQueued = false;
     // The notifications this process showed, by the id the service gave them.
     std::map<std::uint32_t, std::string> m_shown;
