@@ -10,13 +10,12 @@
 #include "screens/OrganizationDetailView.h"
 #include "screens/OrganizationFormSheet.h"
 #include "screens/OrganizationGridView.h"
-#include "screens/PlaceholderScreen.h"
 #include "screens/RenewalView.h"
 #include "screens/ServiceDetailView.h"
 #include "screens/ServiceFormSheet.h"
-#include "screens/SmartPasteSheet.h"
 #include "screens/SettingsView.h"
 #include "screens/ShareSheet.h"
+#include "screens/SmartPasteSheet.h"
 
 #include <QDialog>
 #include <QVBoxLayout>
@@ -24,15 +23,11 @@
 namespace vorlane {
 
 QWidget* ScreenFactory::createDetailScreen(DetailScreen screen, AppContext& context) {
-    (void)context;
     switch (screen) {
     case DetailScreen::search:
         return new GlobalSearchView(context);
     case DetailScreen::serviceDetail:
-        if (const ServiceRecord* service = context.state.selectedService()) {
-            return new ServiceDetailView(context, *service);
-        }
-        return new PlaceholderScreen("key", QStringLiteral("Service"));
+        return new ServiceDetailView(context, *context.state.selectedService());
     case DetailScreen::organizationDetail:
         return new OrganizationDetailView(context, *context.state.selectedOrganization());
     case DetailScreen::dashboard:
@@ -52,7 +47,7 @@ QWidget* ScreenFactory::createDetailScreen(DetailScreen screen, AppContext& cont
     case DetailScreen::archive:
         return new ArchiveView(context);
     }
-    return new PlaceholderScreen("square.grid.2x2", QStringLiteral("Dashboard"));
+    return new DashboardView(context);
 }
 
 QDialog* ScreenFactory::createSheet(Sheet sheet, AppContext& context, QWidget* parent) {

@@ -1,9 +1,9 @@
 #include "SymbolIcon.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QPalette>
-#include <QFileInfo>
 
 #include <utility>
 
