@@ -23,7 +23,7 @@ const QString interface = QStringLiteral("org.freedesktop.Notifications");
 const QString standardSound = QStringLiteral("message-new-instant");
 const QString criticalSound = QStringLiteral("dialog-warning");
 
-// Urgency hint values of the notification specification.
+// Urgency hint values of the freedesktop notification protocol.
 constexpr uchar normalUrgency = 1;
 constexpr uchar criticalUrgency = 2;
 
