@@ -19,7 +19,7 @@ constexpr std::pair<std::string_view, const char*> symbolTable[] = {
     {"exclamationmark.triangle", "data-warning"},
     {"xmark.circle", "dialog-cancel"},
     {"key", "application-pgp-keys"},
-    {"dollarsign.circle", "view-currency-list"},
+    {"dollarsign.circle", "format-currency"},
     {"archivebox", "archive-insert"},
     {"server.rack", "network-server"},
     {"cpu", "computer"},
