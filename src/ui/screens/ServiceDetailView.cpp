@@ -118,7 +118,6 @@ void ServiceDetailView::buildHeader(QVBoxLayout* layout) {
     titleFont.setWeight(QFont::DemiBold);
     m_title->setFont(titleFont);
     m_title->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_title->setWordWrap(true);
     makeSecondary(m_subtitle);
     m_typeIcon->setFixedSize(40, 40);
     m_typeIcon->setAlignment(Qt::AlignCenter);
