@@ -3,104 +3,33 @@
 // 5,000 services with every tab built, as a store change rebuilds them. Vaults are generated once
 // into the temp folder by the demo generator and reused by later runs.
 
-#include "LibsecretBackend.h"
-#include "ManualClock.h"
-#include "ManualTimers.h"
-#include "QtPreferenceStore.h"
-#include "TestTime.h"
-#include "app/AppContext.h"
-#include "app/AppState.h"
-#include "app/Clipboard.h"
-#include "app/ServiceActions.h"
-#include "auth/AuthManager.h"
+#include "BenchEnvironment.h"
 #include "model/OrgDetailTab.h"
 #include "model/Organization.h"
 #include "screens/OrganizationDetailScreen.h"
 #include "screens/OrganizationGridScreen.h"
-#include "secrets/KeychainManager.h"
-#include "store/DataStore.h"
-#include "store/DemoVault.h"
-#include "util/UserCalendar.h"
 
 #include <benchmark/benchmark.h>
 
-#include <filesystem>
-#include <map>
-#include <memory>
-#include <stdexcept>
 #include <string>
 
 namespace {
 
 using namespace vorlane;
 
-const Instant benchNow = testing::utc(2025, 6, 1, 12);
-
-// The screens never touch the clipboard here; AppState just needs one.
-class UnusedClipboard final : public Clipboard {
-public:
-    void clear() override {}
-    void setText(const std::string&) override {}
-    std::optional<std::string> text() const override { return std::nullopt; }
-};
-
-struct Environment {
-    testing::ManualClock clock{benchNow};
-    testing::ManualTimers timers{clock};
-    UserCalendar calendar{clock, "Europe/Berlin"};
-    LibsecretBackend backend; // never called: the bench vaults hold no secrets
-    KeychainManager keychain{backend};
-    UnusedClipboard clipboard;
-    QtPreferenceStore preferences{
-        QString::fromStdString((std::filesystem::temp_directory_path() / "vorlane-bench.ini"))};
-    AppState state{clipboard, timers};
-    AuthManager auth;
-};
-
-Environment& environment() {
-    static Environment instance;
-    return instance;
-}
-
-struct Vault {
-    std::unique_ptr<DataStore> store;
-    std::unique_ptr<ServiceActions> actions;
-    std::unique_ptr<AppContext> context;
-};
-
-Vault& vault(int organizations, int services) {
-    static std::map<std::pair<int, int>, Vault> vaults;
-    Vault& v = vaults[{organizations, services}];
-    if (v.store) {
-        return v;
-    }
-    Environment& env = environment();
-    const std::string path = (std::filesystem::temp_directory_path() /
-                              ("vorlane-bench-orgs-" + std::to_string(organizations) + "-" +
-                               std::to_string(services) + ".sqlite"))
-                                 .string();
-    const bool exists = std::filesystem::exists(path);
-    auto opened = DataStore::open(path, env.keychain, env.calendar, env.timers);
-    if (!opened) {
-        throw std::runtime_error("cannot open " + path + ": " + opened.error());
-    }
-    v.store = std::move(opened).value();
-    if (!exists) {
-        DemoVault::Options options;
-        options.organizations = organizations;
-        options.services = services;
-        DemoVault::populate(*v.store, benchNow, options);
-    }
-    v.actions = std::make_unique<ServiceActions>(*v.store, env.state, env.calendar);
-    v.context = std::make_unique<AppContext>(AppContext{*v.store, env.state, env.auth, env.calendar,
-                                                        env.timers, env.clipboard, env.preferences,
-                                                        *v.actions});
-    return v;
+AppContext& vault(int organizations, int services) {
+    static bench::BenchEnvironment environment;
+    DemoVault::Options options;
+    options.organizations = organizations;
+    options.services = services;
+    return environment.context("vorlane-bench-orgs-" + std::to_string(organizations) + "-" +
+                                   std::to_string(services),
+                               options);
 }
 
 void BM_OrganizationGridRebuild(benchmark::State& state) {
-    Vault& v = vault(1000, 20000);
-    OrganizationGridScreen screen(*v.store, environment().state, environment().calendar,
+    AppContext& context = vault(1000, 20000);
+    OrganizationGridScreen screen(context.store, context.state, context.calendar,
                                   OrganizationFilter::all);
     screen.setSortOrder(static_cast<OrganizationGridScreen::SortOrder>(state.range(0)));
     for (auto _ : state) {
@@ -113,9 +42,9 @@ void BM_OrganizationGridRebuild(benchmark::State& state) {
 BENCHMARK(BM_OrganizationGridRebuild)->DenseRange(0, 3)->Unit(benchmark::kMillisecond);
 
 void BM_OrganizationDetailEveryTab(benchmark::State& state) {
-    Vault& v = vault(1, 5000);
-    Organization& organization = *v.store->fetchOrganizations().at(0);
-    OrganizationDetailScreen screen(*v.context, organization);
+    AppContext& context = vault(1, 5000);
+    Organization& organization = *context.store.fetchOrganizations().at(0);
+    OrganizationDetailScreen screen(context, organization);
     for (auto _ : state) {
         benchmark::DoNotOptimize(screen.header());
         benchmark::DoNotOptimize(screen.tabs());
@@ -136,9 +65,9 @@ BENCHMARK(BM_OrganizationDetailEveryTab)->Unit(benchmark::kMillisecond);
 // What one store change costs the detail screen: the header, the tab titles and the tab shown,
 // here the heaviest one (renewals bands every dated service).
 void BM_OrganizationDetailRenewalsTab(benchmark::State& state) {
-    Vault& v = vault(1, 5000);
-    Organization& organization = *v.store->fetchOrganizations().at(0);
-    OrganizationDetailScreen screen(*v.context, organization);
+    AppContext& context = vault(1, 5000);
+    Organization& organization = *context.store.fetchOrganizations().at(0);
+    OrganizationDetailScreen screen(context, organization);
     for (auto _ : state) {
         benchmark::DoNotOptimize(screen.header());
         benchmark::DoNotOptimize(screen.tabs());

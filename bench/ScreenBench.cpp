@@ -2,79 +2,24 @@
 // 100,000 services (the generator behind `vorlane-cli demo`): what the widget pays each time the
 // store says it changed. Vaults are generated once into the temp folder and reused.
 
-#include "LibsecretBackend.h"
-#include "ManualClock.h"
-#include "ManualTimers.h"
-#include "TestTime.h"
-#include "app/AppState.h"
-#include "app/Clipboard.h"
+#include "BenchEnvironment.h"
 #include "screens/DashboardScreen.h"
 #include "screens/ExpenseScreen.h"
-#include "secrets/KeychainManager.h"
-#include "store/DataStore.h"
-#include "store/DemoVault.h"
-#include "util/UserCalendar.h"
 
 #include <benchmark/benchmark.h>
 
-#include <filesystem>
-#include <map>
-#include <memory>
-#include <stdexcept>
 #include <string>
 
 namespace {
 
 using namespace vorlane;
+using bench::BenchEnvironment;
+using bench::BenchVault;
 
-const Instant benchNow = testing::utc(2025, 6, 1, 12);
-
-// The screens never copy anything here; the navigation state only needs somewhere to write.
-class NoClipboard final : public Clipboard {
-public:
-    void clear() override {}
-    void setText(const std::string&) override {}
-    std::optional<std::string> text() const override { return std::nullopt; }
-};
-
-struct Environment {
-    testing::ManualClock clock{benchNow};
-    testing::ManualTimers timers{clock};
-    UserCalendar calendar{clock, "Europe/Berlin"};
-    LibsecretBackend backend; // never called: the bench vaults hold no secrets
-    KeychainManager keychain{backend};
-    NoClipboard clipboard;
-    AppState state{clipboard, timers};
-};
-
-Environment& environment() {
-    static Environment instance;
-    return instance;
-}
-
-DataStore& sharedStore(std::int64_t services) {
-    // The environment first, so that it outlives the stores: closing a store saves what the
-    // benchmarks left pending, through the environment's calendar and timers.
-    Environment& shared = environment();
-    static std::map<std::int64_t, std::unique_ptr<DataStore>> stores;
-    auto& store = stores[services];
-    if (!store) {
-        const std::string path = (std::filesystem::temp_directory_path() /
-                                  ("vorlane-screen-bench-" + std::to_string(services) + ".sqlite"))
-                                     .string();
-        const bool fresh = !std::filesystem::exists(path);
-        auto opened = DataStore::open(path, shared.keychain, shared.calendar, shared.timers);
-        if (!opened) {
-            throw std::runtime_error("cannot open " + path + ": " + opened.error());
-        }
-        store = std::move(opened).value();
-        if (fresh) {
-            DemoVault::Options options;
-            options.services = static_cast<int>(services);
-            DemoVault::populate(*store, benchNow, options);
-        }
-    }
-    return *store;
+AppContext& sharedContext(std::int64_t services) {
+    static BenchEnvironment environment;
+    return environment.context("vorlane-screen-bench-" + std::to_string(services),
+                               BenchVault::withServices(services));
 }
 
 // One edit, as a form makes it: a service's monthly cost changes and the store says so, which
@@ -85,7 +30,7 @@ void editOneService(DataStore& store, ServiceRecord& service, long round) {
 }
 
 void expenseScreenAfterChange(benchmark::State& state, ExpenseScreen::GroupBy groupBy) {
-    DataStore& store = sharedStore(state.range(0));
+    DataStore& store = sharedContext(state.range(0)).store;
     ExpenseScreen screen(store, groupBy);
     ServiceRecord& edited = *store.fetchAllServices().at(store.fetchAllServices().size() / 2);
     const Decimal original = edited.monthlyCost;
@@ -114,8 +59,9 @@ BENCHMARK_CAPTURE(expenseScreenAfterChange, byType, ExpenseScreen::GroupBy::type
     ->Unit(benchmark::kMillisecond);
 
 void dashboardScreenAfterChange(benchmark::State& state) {
-    DataStore& store = sharedStore(state.range(0));
-    DashboardScreen screen(store, environment().state, environment().calendar);
+    AppContext& context = sharedContext(state.range(0));
+    DataStore& store = context.store;
+    DashboardScreen screen(store, context.state, context.calendar);
     ServiceRecord& edited = *store.fetchAllServices().at(store.fetchAllServices().size() / 2);
     const Decimal original = edited.monthlyCost;
     long round = 0;

@@ -3,90 +3,32 @@
 // change to the counts repainted. Same vaults as the store benchmarks (StoreBench.cpp); the
 // widget runs on Qt's offscreen platform.
 
-#include "LibsecretBackend.h"
-#include "ManualClock.h"
-#include "ManualTimers.h"
-#include "QtClipboard.h"
-#include "QtPreferenceStore.h"
+#include "BenchEnvironment.h"
 #include "SymbolIcon.h"
-#include "TestTime.h"
-#include "app/AppContext.h"
-#include "app/AppState.h"
-#include "app/ServiceActions.h"
-#include "auth/AuthManager.h"
 #include "screens/SidebarModel.h"
 #include "screens/SidebarView.h"
-#include "secrets/KeychainManager.h"
-#include "store/DataStore.h"
-#include "store/DemoVault.h"
-#include "util/UserCalendar.h"
 
 #include <QApplication>
 #include <QListView>
-#include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
 
-#include <filesystem>
-#include <map>
 #include <memory>
-#include <stdexcept>
 #include <string>
 
 namespace {
 
 using namespace vorlane;
-
-// The instant and zone of the store benchmarks, so that both use the same generated files.
-const Instant benchNow = testing::utc(2025, 6, 1, 12);
-
-struct Vault {
-    std::unique_ptr<DataStore> store;
-    std::unique_ptr<ServiceActions> actions;
-    std::unique_ptr<AppContext> context;
-};
-
-struct Environment {
-    testing::ManualClock clock{benchNow};
-    testing::ManualTimers timers{clock};
-    UserCalendar calendar{clock, "Europe/Berlin"};
-    LibsecretBackend backend; // never called: the bench vaults hold no secrets
-    KeychainManager keychain{backend};
-    QTemporaryDir folder;
-    QtClipboard clipboard;
-    QtPreferenceStore preferences{folder.filePath(QStringLiteral("preferences.ini"))};
-    AppState state{clipboard, timers};
-    AuthManager auth;
-    std::map<std::int64_t, Vault> vaults;
-};
+using bench::BenchEnvironment;
+using bench::BenchVault;
 
 // Made in main once the QApplication exists, and gone before it is.
-std::unique_ptr<Environment> theEnvironment;
+std::unique_ptr<BenchEnvironment> theEnvironment;
 
+// One open vault per size with its context, shared by the benchmarks (the store benchmarks' files).
 AppContext& sharedContext(std::int64_t services) {
-    Environment& env = *theEnvironment;
-    Vault& vault = env.vaults[services];
-    if (!vault.store) {
-        const std::string path = (std::filesystem::temp_directory_path() /
-                                  ("vorlane-bench-" + std::to_string(services) + ".sqlite"))
-                                     .string();
-        const bool fresh = !std::filesystem::exists(path);
-        auto opened = DataStore::open(path, env.keychain, env.calendar, env.timers);
-        if (!opened) {
-            throw std::runtime_error("cannot open " + path + ": " + opened.error());
-        }
-        vault.store = std::move(opened).value();
-        if (fresh) {
-            DemoVault::Options options;
-            options.services = static_cast<int>(services);
-            DemoVault::populate(*vault.store, benchNow, options);
-        }
-        vault.actions = std::make_unique<ServiceActions>(*vault.store, env.state, env.calendar);
-        vault.context = std::make_unique<AppContext>(
-            AppContext{*vault.store, env.state, env.auth, env.calendar, env.timers, env.clipboard,
-                       env.preferences, *vault.actions});
-    }
-    return *vault.context;
+    return theEnvironment->context("vorlane-bench-" + std::to_string(services),
+                                   BenchVault::withServices(services));
 }
 
 // Every count and the quick list, as after any change to the store.
@@ -148,7 +90,7 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     SymbolIcon::installTheme();
-    theEnvironment = std::make_unique<Environment>();
+    theEnvironment = std::make_unique<BenchEnvironment>();
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();

@@ -2,74 +2,39 @@
 // organizations, made by the same generator as `vorlane-cli demo`. Vaults are generated once
 // into the temp folder and reused by later runs.
 
-#include "LibsecretBackend.h"
-#include "ManualClock.h"
-#include "ManualTimers.h"
-#include "TestTime.h"
-#include "secrets/KeychainManager.h"
-#include "store/DataStore.h"
-#include "store/DemoVault.h"
-#include "util/UserCalendar.h"
+#include "BenchVault.h"
 
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
-#include <filesystem>
 #include <fstream>
 #include <map>
 #include <memory>
-#include <stdexcept>
 #include <string>
 
 namespace {
 
 using namespace vorlane;
+using bench::BenchVault;
 
-// The demo data is spread around this instant, and the clock stands on it, so that every run
-// sees the same expired and expiring services.
-const Instant benchNow = testing::utc(2025, 6, 1, 12);
-
-struct Environment {
-    testing::ManualClock clock{benchNow};
-    testing::ManualTimers timers{clock};
-    UserCalendar calendar{clock, "Europe/Berlin"};
-    LibsecretBackend backend; // never called: the bench vaults hold no secrets
-    KeychainManager keychain{backend};
-};
-
-Environment& environment() {
-    static Environment instance;
+BenchVault& environment() {
+    static BenchVault instance;
     return instance;
 }
 
-std::unique_ptr<DataStore> openStore(const std::string& path) {
-    auto opened =
-        DataStore::open(path, environment().keychain, environment().calendar, environment().timers);
-    if (!opened) {
-        throw std::runtime_error("cannot open " + path + ": " + opened.error());
-    }
-    return std::move(opened).value();
-}
-
 std::string vaultPath(std::int64_t services) {
-    const std::string path = (std::filesystem::temp_directory_path() /
-                              ("vorlane-bench-" + std::to_string(services) + ".sqlite"))
-                                 .string();
-    if (!std::filesystem::exists(path)) {
-        auto store = openStore(path);
-        DemoVault::Options options;
-        options.services = static_cast<int>(services);
-        DemoVault::populate(*store, benchNow, options);
-    }
-    return path;
+    return environment().generatedPath("vorlane-bench-" + std::to_string(services),
+                                       BenchVault::withServices(services));
 }
 
 // One open store per size, shared by the query benchmarks.
 DataStore& sharedStore(std::int64_t services) {
+    // The environment first, so that it outlives the stores (see BenchVault).
+    BenchVault& vaults = environment();
     static std::map<std::int64_t, std::unique_ptr<DataStore>> stores;
     auto& store = stores[services];
     if (!store) {
-        store = openStore(vaultPath(services));
+        store = vaults.open(vaultPath(services));
     }
     return *store;
 }
@@ -91,7 +56,7 @@ void openVault(benchmark::State& state) {
         state.PauseTiming(); // closing the previous round's store is not part of opening
         store.reset();
         state.ResumeTiming();
-        store = openStore(path);
+        store = environment().open(path);
         benchmark::DoNotOptimize(store.get());
         after = residentMegabytes();
     }
