@@ -89,7 +89,13 @@ MainWindow::MainWindow(AppContext& context, QWidget* parent)
     m_search->setPlaceholderText(QStringLiteral("Search credentials..."));
     m_search->setAccessibleName(QStringLiteral("Search credentials"));
     m_search->setClearButtonEnabled(true);
-    m_search->addAction(SymbolIcon::icon("magnifyingglass"), QLineEdit::LeadingPosition);
+    m_search->addAction(SymbolIcon::icon("magnifyingglass"), QLineEdit::LeadingPosition)
+        ->setText(QStringLiteral("Search"));
+    // Qt's clear button carries no text of its own; a screen reader would announce a bare button.
+    for (QAction* action :
+         m_search->findChildren<QAction*>(QStringLiteral("_q_qlineeditclearaction"))) {
+        action->setText(QStringLiteral("Clear search"));
+    }
     connect(m_search, &QLineEdit::textChanged, this,
             [this](const QString& text) { m_context.state.setSearchQuery(toStdString(text)); });
 

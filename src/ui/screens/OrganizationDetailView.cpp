@@ -303,6 +303,9 @@ void OrganizationDetailView::refreshHeader() {
 
 void OrganizationDetailView::showTab() {
     const OrgDetailTab tab = m_screen.selectedTab();
+    // The service list and the row list serve several tabs each: named after the tab they show.
+    m_serviceList->setAccessibleName(toQString(tab.label()));
+    m_rowList->setAccessibleName(toQString(tab.label()));
     auto showEmpty = [](QStackedWidget* page, EmptyStateView* view, const EmptyState& state) {
         view->setState(state);
         page->setCurrentWidget(view);
@@ -384,16 +387,15 @@ void OrganizationDetailView::showTab() {
                     DetailRowModel::Row r;
                     r.title = toQString(row.title);
                     r.subtitle = toQString(row.service->displaySubtitle());
-                    r.icon = row.service->serviceType().icon();
-                    r.tint = row.service->serviceType().tintColor();
-                    r.badge = toQString(row.state.displayName());
-                    r.badgeIcon = row.state.icon();
-                    r.badgeColor = row.state.color();
+                    r.icon = row.typeIcon;
+                    r.tint = row.typeTint;
+                    r.badge = toQString(row.expiration.displayName());
+                    r.badgeIcon = row.expiration.icon();
+                    r.badgeColor = row.expiration.color();
                     r.trailing = toQString(row.daysText);
-                    r.trailingColor = row.state.color();
+                    r.trailingColor = row.daysColor;
                     r.actionTitle = QStringLiteral("Mark Renewed");
-                    r.accessibleText = r.title + QStringLiteral(", ") + r.badge +
-                                       QStringLiteral(", ") + r.trailing;
+                    r.accessibleText = toQString(row.accessibleText);
                     r.record = row.service;
                     rows.push_back(std::move(r));
                 }

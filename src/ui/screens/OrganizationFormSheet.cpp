@@ -153,6 +153,8 @@ OrganizationFormSheet::OrganizationFormSheet(AppContext& context, QWidget* paren
     bodyLayout->addLayout(fields);
     bodyLayout->addStretch();
     auto* scroll = new QScrollArea;
+    // Not a stop for Tab: every field inside is, and the area scrolls to the focused one.
+    scroll->setFocusPolicy(Qt::NoFocus);
     scroll->setWidget(body);
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);

@@ -84,6 +84,9 @@ ServiceDetailView::ServiceDetailView(AppContext& context, const ServiceRecord& s
     layout->addStretch(1);
 
     auto* scroll = new QScrollArea;
+    // A stop of its own for the keyboard, so that the sections without a button (notes) can be
+    // scrolled to and read.
+    scroll->setAccessibleName(QStringLiteral("Service details"));
     scroll->setWidget(content);
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);

@@ -222,6 +222,8 @@ ServiceFormSheet::ServiceFormSheet(AppContext& context, QWidget* parent)
     }
 
     auto* scroll = new QScrollArea;
+    // Not a stop for Tab: every field inside is, and the area scrolls to the focused one.
+    scroll->setFocusPolicy(Qt::NoFocus);
     scroll->setWidget(body);
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
