@@ -6,7 +6,6 @@
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 #include "model/ShareRecord.h"
-#include "model/TimeGroup.h"
 #include "store/DataStore.h"
 #include "util/CurrencyFormat.h"
 #include "util/DateText.h"
@@ -220,31 +219,13 @@ OrganizationDetailScreen::Renewals OrganizationDetailScreen::renewals() const {
         }
     }
     std::ranges::stable_sort(dated, {}, [](const ServiceRecord* s) { return *s->expirationDate; });
-    Renewals content;
-    for (const TimeGroup& group : groupByTimeframe(dated, m_calendar)) {
-        RenewalBand band;
-        band.title = group.title;
-        if (const Decimal total = group.totalCost(); total > Decimal()) {
-            band.totalCostText = currencyFormatted(total);
-        }
-        for (ServiceRecord* service : group.services) {
-            const std::optional<int> days = service->daysUntilExpiration(m_calendar);
-            band.rows.push_back({service, service->title, days ? daysText(*days) : "",
-                                 service->expirationState(m_calendar)});
-        }
-        content.bands.push_back(std::move(band));
-    }
+    Renewals content{RenewalScreen::bandsOf(dated, m_calendar), std::nullopt};
     if (content.bands.empty()) {
         content.emptyState =
             EmptyState{"calendar.badge.clock", "No Renewals",
                        "None of this organization's services has an expiration date.", ""};
     }
     return content;
-}
-
-std::string OrganizationDetailScreen::daysText(int days) {
-    return days < 0 ? std::to_string(std::abs(days)) + " days ago"
-                    : std::to_string(days) + " days left";
 }
 
 const std::string& OrganizationDetailScreen::notes() const {

@@ -5,6 +5,7 @@
 #include "model/OrgDetailTab.h"
 #include "model/Palette.h"
 #include "screens/EmptyState.h"
+#include "screens/RenewalScreen.h"
 #include "screens/StatCard.h"
 
 #include <cstddef>
@@ -93,21 +94,8 @@ public:
         std::optional<EmptyState> emptyState;
     };
 
-    struct RenewalRow {
-        ServiceRecord* service;
-        std::string title;
-        std::string daysText; // "%lld days left" / "%lld days ago"
-        ExpirationState state;
-    };
-
-    struct RenewalBand {
-        std::string title;         // "Expired", "Critical (1 day)", ...
-        std::string totalCostText; // formatted, empty when the band costs nothing
-        std::vector<RenewalRow> rows;
-    };
-
     struct Renewals {
-        std::vector<RenewalBand> bands;
+        std::vector<RenewalScreen::Band> bands; // as the renewal screen bands them
         std::optional<EmptyState> emptyState;
     };
 
@@ -163,9 +151,6 @@ public:
     void setNotes(const std::string& notes);
     // Records that the recipient's access was withdrawn, and saves.
     void markRevoked(ShareRecord& share);
-
-    // "%lld days left" for a date still ahead or today, "%lld days ago" for one past.
-    static std::string daysText(int days);
 
 private:
     // The organization's non-archived services in the store's title order.
