@@ -4,6 +4,7 @@
 #include "SymbolIcon.h"
 #include "app/AppContext.h"
 #include "components/PaletteColor.h"
+#include "components/SheetFrame.h"
 #include "components/StepIndicator.h"
 #include "components/TintedIcon.h"
 #include "model/Organization.h"
@@ -28,7 +29,6 @@
 #include <QScrollArea>
 #include <QStackedWidget>
 #include <QTimeZone>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace vorlane {
@@ -66,72 +66,26 @@ ShareSheet::ShareSheet(AppContext& context, Organization& organization,
     : QDialog(parent)
     , m_flow(context.store, context.auth, context.clipboard, context.calendar, organization,
              std::move(services))
-    , m_subtitle(new QLabel)
+    , m_frame(*this, toQString(m_flow.title()), SheetFrame::CloseButton::shown)
     , m_indicator(new StepIndicator(
           {QStringLiteral("Select"), QStringLiteral("Configure"), QStringLiteral("Confirm")}))
-    , m_steps(new QStackedWidget)
-    , m_back(new QPushButton(QStringLiteral("Back")))
-    , m_cancel(new QPushButton(QStringLiteral("Cancel")))
-    , m_main(new QPushButton) {
-    setWindowTitle(toQString(m_flow.title()));
+    , m_steps(new QStackedWidget) {
     resize(620, 640);
 
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-
-    auto* header = new QHBoxLayout;
-    header->setContentsMargins(20, 16, 12, 8);
-    auto* titles = new QVBoxLayout;
-    auto* title = new QLabel(toQString(m_flow.title()));
-    QFont titleFont = title->font();
-    titleFont.setPointSizeF(titleFont.pointSizeF() * 1.4);
-    titleFont.setBold(true);
-    title->setFont(titleFont);
-    titles->addWidget(title);
-    m_subtitle->setForegroundRole(QPalette::PlaceholderText);
-    titles->addWidget(m_subtitle);
-    header->addLayout(titles, 1);
-    auto* close = new QToolButton;
-    close->setIcon(SymbolIcon::icon("xmark.circle.fill"));
-    close->setAutoRaise(true);
-    close->setToolTip(QStringLiteral("Close"));
-    close->setAccessibleName(QStringLiteral("Close"));
-    connect(close, &QToolButton::clicked, this, &QDialog::reject);
-    header->addWidget(close, 0, Qt::AlignTop);
-    layout->addLayout(header);
-
+    QVBoxLayout* layout = m_frame.content();
     m_indicator->setContentsMargins(20, 0, 20, 0);
     layout->addWidget(m_indicator);
-    auto addDivider = [layout] {
-        auto* divider = new QFrame;
-        divider->setFrameShape(QFrame::HLine);
-        divider->setFrameShadow(QFrame::Sunken);
-        layout->addWidget(divider);
-    };
-    addDivider();
+    layout->addWidget(SheetFrame::divider());
     m_steps->addWidget(createSelectStep());
     m_steps->addWidget(createConfigureStep());
     m_steps->addWidget(createConfirmStep());
     layout->addWidget(m_steps, 1);
-    addDivider();
 
-    auto* footer = new QHBoxLayout;
-    footer->setContentsMargins(20, 12, 20, 16);
-    footer->addWidget(m_back);
-    footer->addStretch();
-    footer->addWidget(m_cancel);
-    footer->addWidget(m_main);
-    layout->addLayout(footer);
-    m_main->setDefault(true);
-    m_back->setAutoDefault(false);
-    m_cancel->setAutoDefault(false);
-    connect(m_cancel, &QPushButton::clicked, this, &QDialog::reject);
-    connect(m_back, &QPushButton::clicked, this, [this] {
+    connect(m_frame.back(), &QPushButton::clicked, this, [this] {
         m_flow.back();
         refresh();
     });
-    connect(m_main, &QPushButton::clicked, this, &ShareSheet::runMainAction);
+    connect(m_frame.main(), &QPushButton::clicked, this, &ShareSheet::runMainAction);
 
     m_chooseFile = [this](const QString& proposedName) {
         return askForFile(proposedName);
@@ -408,7 +362,7 @@ void ShareSheet::fillSummary() {
 void ShareSheet::refresh() {
     m_steps->setCurrentIndex(static_cast<int>(m_flow.step()));
     m_indicator->setLastReached(static_cast<int>(m_flow.step()));
-    m_subtitle->setText(toQString(m_flow.subtitle()));
+    m_frame.subtitle()->setText(toQString(m_flow.subtitle()));
     m_selectedCount->setText(toQString(m_flow.selectedCountText()));
     const bool secrets = m_flow.options.includeSecrets;
     m_secretsCaption->setVisible(secrets);
@@ -422,9 +376,9 @@ void ShareSheet::refresh() {
     const std::optional<std::string>& error = m_flow.exportError();
     m_errorNotice->setVisible(error.has_value());
     m_errorText->setText(error ? toQString(*error) : QString());
-    m_back->setVisible(m_flow.showsBack());
-    m_main->setText(toMnemonicSafe(m_flow.mainButtonTitle()));
-    m_main->setEnabled(m_flow.mainButtonEnabled());
+    m_frame.back()->setVisible(m_flow.showsBack());
+    m_frame.main()->setText(toMnemonicSafe(m_flow.mainButtonTitle()));
+    m_frame.main()->setEnabled(m_flow.mainButtonEnabled());
 }
 
 } // namespace vorlane

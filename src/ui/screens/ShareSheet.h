@@ -1,5 +1,6 @@
 #pragma once
 
+#include "components/SheetFrame.h"
 #include "screens/ShareFlow.h"
 
 #include <QDialog>
@@ -14,7 +15,6 @@ class QGridLayout;
 class QLabel;
 class QLineEdit;
 class QListWidget;
-class QPushButton;
 class QStackedWidget;
 
 namespace vorlane {
@@ -49,7 +49,7 @@ private:
     ShareFlow m_flow;
     FileChooser m_chooseFile;
 
-    QLabel* m_subtitle;
+    SheetFrame m_frame;
     StepIndicator* m_indicator;
     QStackedWidget* m_steps;
     QListWidget* m_serviceList = nullptr;
@@ -65,9 +65,6 @@ private:
     QFrame* m_secretsNotice = nullptr;
     QFrame* m_errorNotice = nullptr;
     QLabel* m_errorText = nullptr;
-    QPushButton* m_back;
-    QPushButton* m_cancel;
-    QPushButton* m_main;
 };
 
 } // namespace vorlane

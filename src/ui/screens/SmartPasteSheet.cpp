@@ -4,6 +4,7 @@
 #include "SymbolIcon.h"
 #include "app/AppContext.h"
 #include "app/Clipboard.h"
+#include "components/SheetFrame.h"
 #include "model/Organization.h"
 #include "paste/PasteParser.h"
 
@@ -62,54 +63,21 @@ SmartPasteSheet::SmartPasteSheet(AppContext& context, Organization* organization
     : QDialog(parent)
     , m_context(context)
     , m_flow(context.store, context.calendar, organization)
-    , m_subtitle(new QLabel)
-    , m_steps(new QStackedWidget)
-    , m_back(new QPushButton(QStringLiteral("Back")))
-    , m_cancel(new QPushButton(QStringLiteral("Cancel")))
-    , m_main(new QPushButton) {
-    setWindowTitle(QString::fromLatin1(SmartPasteFlow::title));
+    , m_frame(*this, QString::fromLatin1(SmartPasteFlow::title), SheetFrame::CloseButton::hidden)
+    , m_steps(new QStackedWidget) {
     resize(600, 680);
-
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-
-    auto* header = new QWidget;
-    auto* headerLayout = new QVBoxLayout(header);
-    headerLayout->setContentsMargins(20, 16, 20, 12);
-    headerLayout->addWidget(headline(QString::fromLatin1(SmartPasteFlow::title), 1.4));
-    m_subtitle->setForegroundRole(QPalette::PlaceholderText);
-    headerLayout->addWidget(m_subtitle);
-    layout->addWidget(header);
 
     m_steps->addWidget(createPasteStep());
     m_steps->addWidget(createReviewStep());
     m_steps->addWidget(createDoneStep());
-    layout->addWidget(m_steps, 1);
+    m_frame.content()->addWidget(m_steps, 1);
 
-    auto* divider = new QFrame;
-    divider->setFrameShape(QFrame::HLine);
-    divider->setFrameShadow(QFrame::Sunken);
-    layout->addWidget(divider);
-
-    auto* footer = new QHBoxLayout;
-    footer->setContentsMargins(20, 12, 20, 16);
-    footer->addWidget(m_back);
-    footer->addStretch();
-    footer->addWidget(m_cancel);
-    footer->addWidget(m_main);
-    layout->addLayout(footer);
-
-    m_main->setDefault(true);
-    m_cancel->setAutoDefault(false);
-    m_back->setAutoDefault(false);
-    connect(m_cancel, &QPushButton::clicked, this, &QDialog::reject);
-    connect(m_back, &QPushButton::clicked, this, [this] {
+    connect(m_frame.back(), &QPushButton::clicked, this, [this] {
         m_flow.back();
         refresh();
         m_editor->setFocus();
     });
-    connect(m_main, &QPushButton::clicked, this, &SmartPasteSheet::runMainAction);
+    connect(m_frame.main(), &QPushButton::clicked, this, &SmartPasteSheet::runMainAction);
 
     refresh();
     m_editor->setFocus();
@@ -282,7 +250,7 @@ void SmartPasteSheet::runMainAction() {
     case SmartPasteFlow::Step::review:
         if (m_flow.save() != nullptr) {
             refresh();
-            m_main->setFocus();
+            m_frame.main()->setFocus();
         }
         break;
     case SmartPasteFlow::Step::done:
@@ -375,13 +343,13 @@ void SmartPasteSheet::fillReview() {
 
 void SmartPasteSheet::refresh() {
     m_steps->setCurrentIndex(static_cast<int>(m_flow.step()));
-    m_subtitle->setText(toQString(m_flow.subtitle()));
+    m_frame.subtitle()->setText(toQString(m_flow.subtitle()));
     m_characterCount->setText(toQString(m_flow.characterCount()));
     m_busy->setVisible(m_parsing);
     m_editor->setReadOnly(m_parsing);
-    m_back->setVisible(m_flow.showsBack());
-    m_main->setText(toMnemonicSafe(m_flow.mainButtonTitle()));
-    m_main->setEnabled(m_flow.mainButtonEnabled() && !m_parsing);
+    m_frame.back()->setVisible(m_flow.showsBack());
+    m_frame.main()->setText(toMnemonicSafe(m_flow.mainButtonTitle()));
+    m_frame.main()->setEnabled(m_flow.mainButtonEnabled() && !m_parsing);
 }
 
 } // namespace vorlane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "components/SheetFrame.h"
 #include "screens/SmartPasteFlow.h"
 
 #include <QDialog>
@@ -11,7 +12,6 @@ class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QProgressBar;
-class QPushButton;
 class QStackedWidget;
 class QWidget;
 
@@ -45,7 +45,7 @@ private:
     SmartPasteFlow m_flow;
     bool m_parsing = false;
 
-    QLabel* m_subtitle;
+    SheetFrame m_frame;
     QStackedWidget* m_steps;
     QPlainTextEdit* m_editor = nullptr;
     QLabel* m_characterCount = nullptr;
@@ -58,9 +58,6 @@ private:
     QLabel* m_detectedDateLabel = nullptr;
     QLabel* m_detectedDate = nullptr;
     QWidget* m_detectedTypes = nullptr;
-    QPushButton* m_back;
-    QPushButton* m_cancel;
-    QPushButton* m_main;
 };
 
 } // namespace vorlane

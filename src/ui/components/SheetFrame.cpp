@@ -1,0 +1,75 @@
+#include "components/SheetFrame.h"
+
+#include "SymbolIcon.h"
+
+#include <QDialog>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace vorlane {
+
+SheetFrame::SheetFrame(QDialog& dialog, const QString& title, CloseButton closeButton)
+    : m_content(new QVBoxLayout)
+    , m_subtitle(new QLabel)
+    , m_back(new QPushButton(QStringLiteral("Back")))
+    , m_main(new QPushButton) {
+    dialog.setWindowTitle(title);
+    auto* layout = new QVBoxLayout(&dialog);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+
+    auto* header = new QHBoxLayout;
+    // An auto-raised close button carries its own padding, so it sits nearer the edge.
+    header->setContentsMargins(20, 16, closeButton == CloseButton::shown ? 12 : 20, 12);
+    auto* titles = new QVBoxLayout;
+    auto* heading = new QLabel(title);
+    QFont headingFont = heading->font();
+    headingFont.setPointSizeF(headingFont.pointSizeF() * 1.4);
+    headingFont.setBold(true);
+    heading->setFont(headingFont);
+    titles->addWidget(heading);
+    m_subtitle->setForegroundRole(QPalette::PlaceholderText);
+    titles->addWidget(m_subtitle);
+    header->addLayout(titles, 1);
+    if (closeButton == CloseButton::shown) {
+        auto* close = new QToolButton;
+        close->setIcon(SymbolIcon::icon("xmark.circle.fill"));
+        close->setAutoRaise(true);
+        close->setToolTip(QStringLiteral("Close"));
+        close->setAccessibleName(QStringLiteral("Close"));
+        QObject::connect(close, &QToolButton::clicked, &dialog, &QDialog::reject);
+        header->addWidget(close, 0, Qt::AlignTop);
+    }
+    layout->addLayout(header);
+
+    m_content->setContentsMargins(0, 0, 0, 0);
+    m_content->setSpacing(0);
+    layout->addLayout(m_content, 1);
+    layout->addWidget(divider());
+
+    auto* cancel = new QPushButton(QStringLiteral("Cancel"));
+    auto* footer = new QHBoxLayout;
+    footer->setContentsMargins(20, 12, 20, 16);
+    footer->addWidget(m_back);
+    footer->addStretch();
+    footer->addWidget(cancel);
+    footer->addWidget(m_main);
+    layout->addLayout(footer);
+    m_main->setDefault(true);
+    m_back->setAutoDefault(false);
+    cancel->setAutoDefault(false);
+    QObject::connect(cancel, &QPushButton::clicked, &dialog, &QDialog::reject);
+}
+
+QFrame* SheetFrame::divider() {
+    auto* line = new QFrame;
+    line->setFrameShape(QFrame::HLine);
+    line->setFrameShadow(QFrame::Sunken);
+    return line;
+}
+
+} // namespace vorlane
