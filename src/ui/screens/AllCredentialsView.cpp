@@ -2,6 +2,7 @@
 
 #include "QtText.h"
 #include "app/AppContext.h"
+#include "components/EmptyStatePages.h"
 #include "components/EmptyStateView.h"
 #include "components/RowListView.h"
 #include "components/ServiceContextMenu.h"
@@ -13,7 +14,6 @@
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QStackedWidget>
 #include <QVBoxLayout>
 
 namespace vorlane {
@@ -25,7 +25,7 @@ AllCredentialsView::AllCredentialsView(AppContext& context, QWidget* parent)
     , m_typeFilter(new ServiceTypePicker(AllCredentialsScreen::allTypesTitle))
     , m_statusFilter(new QComboBox)
     , m_count(new QLabel)
-    , m_pages(new QStackedWidget)
+    , m_pages(new EmptyStatePages)
     , m_content(new QWidget)
     , m_list(new RowListView)
     , m_model(new ServiceListModel(context.calendar, this))
@@ -66,8 +66,7 @@ AllCredentialsView::AllCredentialsView(AppContext& context, QWidget* parent)
     m_list->setItemDelegate(new ServiceRowDelegate(m_list));
     m_list->setAccessibleName(toQString(AllCredentialsScreen::title));
     contentLayout->addWidget(m_list, 1);
-    m_pages->addWidget(m_content);
-    m_pages->addWidget(m_empty);
+    m_pages->setPages(m_content, m_empty);
     layout->addWidget(m_pages, 1);
 
     connect(m_typeFilter, &ServiceTypePicker::typeChanged, this,
@@ -107,12 +106,7 @@ AllCredentialsView::AllCredentialsView(AppContext& context, QWidget* parent)
 void AllCredentialsView::showScreen() {
     m_model->setServices(m_screen.rows());
     m_count->setText(toQString(m_screen.countText()));
-    if (const auto empty = m_screen.emptyState()) {
-        m_empty->setState(*empty);
-        m_pages->setCurrentWidget(m_empty);
-    } else {
-        m_pages->setCurrentWidget(m_content);
-    }
+    m_pages->showEmptyState(m_screen.emptyState());
 }
 
 } // namespace vorlane

@@ -7,10 +7,10 @@
 
 class QComboBox;
 class QLabel;
-class QStackedWidget;
 
 namespace vorlane {
 
+class EmptyStatePages;
 class EmptyStateView;
 class RowListView;
 class ServiceListModel;
@@ -35,7 +35,7 @@ private:
     ServiceTypePicker* m_typeFilter;
     QComboBox* m_statusFilter;
     QLabel* m_count;
-    QStackedWidget* m_pages;
+    EmptyStatePages* m_pages;
     QWidget* m_content;
     RowListView* m_list;
     ServiceListModel* m_model;

@@ -3,6 +3,7 @@
 #include "QtText.h"
 #include "SymbolIcon.h"
 #include "app/AppContext.h"
+#include "components/EmptyStatePages.h"
 #include "components/EmptyStateView.h"
 #include "components/RowListView.h"
 #include "components/SectionedListModel.h"
@@ -12,7 +13,6 @@
 
 #include <QLabel>
 #include <QMenu>
-#include <QStackedWidget>
 #include <QVBoxLayout>
 
 namespace vorlane {
@@ -21,7 +21,7 @@ ArchiveView::ArchiveView(AppContext& context, QWidget* parent)
     : QWidget(parent)
     , m_context(context)
     , m_screen(context)
-    , m_pages(new QStackedWidget)
+    , m_pages(new EmptyStatePages)
     , m_list(new RowListView)
     , m_model(new SectionedListModel(context.store, context.calendar, this))
     , m_empty(new EmptyStateView(EmptyState{"archivebox", {}, {}, {}})) {
@@ -36,8 +36,7 @@ ArchiveView::ArchiveView(AppContext& context, QWidget* parent)
     m_list->setModel(m_model);
     m_list->setItemDelegate(new SectionedRowDelegate(m_list));
     m_list->setAccessibleName(toQString(ArchiveScreen::title));
-    m_pages->addWidget(m_list);
-    m_pages->addWidget(m_empty);
+    m_pages->setPages(m_list, m_empty);
     layout->addWidget(m_pages, 1);
 
     // Archive rows have no action of their own: everything goes through their menus.
@@ -57,12 +56,7 @@ void ArchiveView::showScreen() {
         {toQString(ArchiveScreen::organizationsTitle), m_screen.organizations(), {}});
     sections.push_back({toQString(ArchiveScreen::servicesTitle), {}, m_screen.services()});
     m_model->setSections(std::move(sections));
-    if (const auto empty = m_screen.emptyState()) {
-        m_empty->setState(*empty);
-        m_pages->setCurrentWidget(m_empty);
-    } else {
-        m_pages->setCurrentWidget(m_list);
-    }
+    m_pages->showEmptyState(m_screen.emptyState());
 }
 
 void ArchiveView::showRowMenu(const QModelIndex& index, const QPoint& globalPosition) {

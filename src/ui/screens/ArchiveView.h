@@ -5,10 +5,9 @@
 
 #include <QWidget>
 
-class QStackedWidget;
-
 namespace vorlane {
 
+class EmptyStatePages;
 class EmptyStateView;
 class RowListView;
 class SectionedListModel;
@@ -31,7 +30,7 @@ private:
 
     AppContext& m_context;
     ArchiveScreen m_screen;
-    QStackedWidget* m_pages;
+    EmptyStatePages* m_pages;
     RowListView* m_list;
     SectionedListModel* m_model;
     EmptyStateView* m_empty;

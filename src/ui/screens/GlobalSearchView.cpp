@@ -4,6 +4,7 @@
 #include "SymbolIcon.h"
 #include "app/AppContext.h"
 #include "app/AppState.h"
+#include "components/EmptyStatePages.h"
 #include "components/EmptyStateView.h"
 #include "components/RowListView.h"
 #include "components/SectionedListModel.h"
@@ -14,7 +15,6 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QStackedWidget>
 #include <QVBoxLayout>
 
 namespace vorlane {
@@ -26,7 +26,7 @@ GlobalSearchView::GlobalSearchView(AppContext& context, QWidget* parent)
     , m_title(new QLabel)
     , m_count(new QLabel)
     , m_typeFilter(new ServiceTypePicker(GlobalSearchScreen::allTypesTitle))
-    , m_pages(new QStackedWidget)
+    , m_pages(new EmptyStatePages)
     , m_list(new RowListView)
     , m_model(new SectionedListModel(context.store, context.calendar, this))
     , m_empty(new EmptyStateView(EmptyState{GlobalSearchScreen::icon, {}, {}, {}})) {
@@ -60,8 +60,7 @@ GlobalSearchView::GlobalSearchView(AppContext& context, QWidget* parent)
     m_list->setModel(m_model);
     m_list->setItemDelegate(new SectionedRowDelegate(m_list));
     m_list->setAccessibleName(QStringLiteral("Search results"));
-    m_pages->addWidget(m_list);
-    m_pages->addWidget(m_empty);
+    m_pages->setPages(m_list, m_empty);
     layout->addWidget(m_pages, 1);
 
     connect(m_typeFilter, &ServiceTypePicker::typeChanged, this,
@@ -95,12 +94,7 @@ void GlobalSearchView::showScreen() {
         {toQString(GlobalSearchScreen::organizationsTitle), m_screen.organizations(), {}});
     sections.push_back({toQString(GlobalSearchScreen::servicesTitle), {}, m_screen.services()});
     m_model->setSections(std::move(sections));
-    if (const auto empty = m_screen.emptyState()) {
-        m_empty->setState(*empty);
-        m_pages->setCurrentWidget(m_empty);
-    } else {
-        m_pages->setCurrentWidget(m_list);
-    }
+    m_pages->showEmptyState(m_screen.emptyState());
     setAccessibleName(m_title->text());
 }
 

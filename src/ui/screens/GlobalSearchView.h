@@ -6,10 +6,10 @@
 #include <QWidget>
 
 class QLabel;
-class QStackedWidget;
 
 namespace vorlane {
 
+class EmptyStatePages;
 class EmptyStateView;
 class RowListView;
 class SectionedListModel;
@@ -38,7 +38,7 @@ private:
     QLabel* m_title;
     QLabel* m_count;
     ServiceTypePicker* m_typeFilter;
-    QStackedWidget* m_pages;
+    EmptyStatePages* m_pages;
     RowListView* m_list;
     SectionedListModel* m_model;
     EmptyStateView* m_empty;

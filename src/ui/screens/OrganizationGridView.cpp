@@ -3,6 +3,7 @@
 #include "QtText.h"
 #include "SymbolIcon.h"
 #include "app/AppContext.h"
+#include "components/EmptyStatePages.h"
 #include "components/EmptyStateView.h"
 #include "components/RowListView.h"
 #include "screens/OrganizationCardDelegate.h"
@@ -15,7 +16,6 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMouseEvent>
-#include <QStackedWidget>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -36,7 +36,7 @@ OrganizationGridView::OrganizationGridView(AppContext& context, OrganizationFilt
     , m_screen(context.store, context.state, context.calendar, filter)
     , m_count(new QLabel)
     , m_sort(new QButtonGroup(this))
-    , m_pages(new QStackedWidget)
+    , m_pages(new EmptyStatePages)
     , m_grid(new RowListView)
     , m_model(new OrganizationCardModel(m_screen, this))
     , m_delegate(new OrganizationCardDelegate(m_screen, context.store, *m_grid))
@@ -111,8 +111,7 @@ OrganizationGridView::OrganizationGridView(AppContext& context, OrganizationFilt
     gridLayout->setSpacing(16);
     gridLayout->addLayout(header);
     gridLayout->addWidget(m_grid, 1);
-    m_pages->addWidget(gridPage);
-    m_pages->addWidget(m_empty);
+    m_pages->setPages(gridPage, m_empty);
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -143,12 +142,7 @@ void OrganizationGridView::reload() {
         m_grid->setCurrentIndex(m_model->index(static_cast<int>(row)));
     }
     m_count->setText(toQString(m_screen.countText()));
-    if (const auto empty = m_screen.emptyState()) {
-        m_empty->setState(*empty);
-        m_pages->setCurrentWidget(m_empty);
-    } else {
-        m_pages->setCurrentIndex(0);
-    }
+    m_pages->showEmptyState(m_screen.emptyState());
     updateFlips();
 }
 

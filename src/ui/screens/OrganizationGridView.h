@@ -8,11 +8,11 @@
 class QButtonGroup;
 class QLabel;
 class QModelIndex;
-class QStackedWidget;
 
 namespace vorlane {
 
 struct AppContext;
+class EmptyStatePages;
 class EmptyStateView;
 class OrganizationCardDelegate;
 class OrganizationCardModel;
@@ -47,7 +47,7 @@ private:
     OrganizationGridScreen m_screen;
     QLabel* m_count;
     QButtonGroup* m_sort;
-    QStackedWidget* m_pages;
+    EmptyStatePages* m_pages;
     RowListView* m_grid;
     OrganizationCardModel* m_model;
     OrganizationCardDelegate* m_delegate;

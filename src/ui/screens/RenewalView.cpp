@@ -3,6 +3,7 @@
 #include "QtText.h"
 #include "SymbolIcon.h"
 #include "app/AppContext.h"
+#include "components/EmptyStatePages.h"
 #include "components/EmptyStateView.h"
 #include "components/RowListView.h"
 #include "screens/RenewalListModel.h"
@@ -13,7 +14,6 @@
 #include <QLabel>
 #include <QMenu>
 #include <QPointer>
-#include <QStackedWidget>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -24,7 +24,7 @@ RenewalView::RenewalView(AppContext& context, RenewalFilter filter, Organization
     : QWidget(parent)
     , m_screen(context, filter, organization)
     , m_count(new QLabel)
-    , m_pages(new QStackedWidget)
+    , m_pages(new EmptyStatePages)
     , m_list(new RowListView)
     , m_model(new RenewalListModel(this))
     , m_delegate(new RenewalRowDelegate(m_list))
@@ -42,8 +42,7 @@ RenewalView::RenewalView(AppContext& context, RenewalFilter filter, Organization
     m_list->setModel(m_model);
     m_list->setItemDelegate(m_delegate);
     m_list->setAccessibleName(toQString(m_screen.title()));
-    m_pages->addWidget(m_list);
-    m_pages->addWidget(m_empty);
+    m_pages->setPages(m_list, m_empty);
     layout->addWidget(m_pages, 1);
 
     auto* renew = new QAction(toQString(RenewalScreen::markRenewedTitle), m_list);
@@ -66,12 +65,7 @@ RenewalView::RenewalView(AppContext& context, RenewalFilter filter, Organization
 void RenewalView::showScreen() {
     m_count->setText(toQString(m_screen.countText()));
     m_model->setBands(m_screen.bands());
-    if (const auto empty = m_screen.emptyState()) {
-        m_empty->setState(*empty);
-        m_pages->setCurrentWidget(m_empty);
-    } else {
-        m_pages->setCurrentWidget(m_list);
-    }
+    m_pages->showEmptyState(m_screen.emptyState());
 }
 
 void RenewalView::choose(const QModelIndex& index) {

@@ -6,10 +6,10 @@
 #include <QWidget>
 
 class QLabel;
-class QStackedWidget;
 
 namespace vorlane {
 
+class EmptyStatePages;
 class EmptyStateView;
 class RenewalListModel;
 class RenewalRowDelegate;
@@ -37,7 +37,7 @@ private:
 
     RenewalScreen m_screen;
     QLabel* m_count;
-    QStackedWidget* m_pages;
+    EmptyStatePages* m_pages;
     RowListView* m_list;
     RenewalListModel* m_model;
     RenewalRowDelegate* m_delegate;
