@@ -28,15 +28,21 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDBusConnection>
+#include <QEventLoop>
 #include <QFileInfo>
 #include <QIcon>
 #include <QLabel>
 #include <QMessageBox>
+#include <QProgressBar>
 #include <QStatusBar>
 #include <QStringList>
+#include <QTimer>
+#include <QVBoxLayout>
 
+#include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <thread>
 
 namespace vorlane {
 
@@ -95,7 +101,11 @@ bool hasDisplay() {
 // start ends there, successfully: two windows on one vault would overwrite each other's changes.
 int handOverToRunningInstance(int argc, char* argv[], const std::string& vaultPath,
                               const VaultLock& lock) {
-    const QCoreApplication app(argc, argv);
+    // The GUI may already be up, waiting for the vault.
+    std::optional<QCoreApplication> app;
+    if (QCoreApplication::instance() == nullptr) {
+        app.emplace(argc, argv);
+    }
     const auto holder = lock.holder();
     const auto holderAlive = [&lock] {
         const auto current = lock.holder();
@@ -113,6 +123,75 @@ int handOverToRunningInstance(int argc, char* argv[], const std::string& vaultPa
                  vaultPath.c_str(), holder ? qPrintable(holder->program) : "another program",
                  holder ? static_cast<long long>(holder->pid) : 0LL);
     return 1;
+}
+
+void startGui(std::optional<QApplication>& app, int& argc, char* argv[]) {
+    app.emplace(argc, argv);
+    QApplication::setApplicationDisplayName(QStringLiteral("Vorlane"));
+    QApplication::setDesktopFileName(QStringLiteral(VORLANE_APP_ID));
+    // Our icon table names Breeze icons; use Breeze whatever the desktop's own theme is, so that
+    // no icon comes out blank under a theme that lacks one of them.
+    SymbolIcon::installTheme();
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("security-high")));
+}
+
+using OpenResult = Result<std::unique_ptr<DataStore>, std::string>;
+
+// How long a vault may take to open before the window shows that it is opening: a small vault
+// opens in a blink, and a window that flashes a busy state for it would only be noise.
+constexpr std::chrono::milliseconds quietOpening{100};
+
+// The window shown while the vault opens: titled and sized as the main one, which takes its
+// place.
+std::unique_ptr<QWidget> openingWindow() {
+    auto progress = std::make_unique<QWidget>();
+    progress->setWindowTitle(QStringLiteral("Vorlane"));
+    progress->setMinimumSize(MainWindow::minimumWindowSize);
+    progress->resize(MainWindow::defaultWindowSize);
+    auto* layout = new QVBoxLayout(progress.get());
+    layout->addStretch();
+    auto* label = new QLabel(QStringLiteral("Opening your vault…"));
+    label->setAlignment(Qt::AlignCenter);
+    layout->addWidget(label);
+    auto* busy = new QProgressBar;
+    busy->setRange(0, 0); // no known length: the bar shows activity
+    busy->setTextVisible(false);
+    busy->setAccessibleName(QStringLiteral("Opening your vault"));
+    busy->setMaximumWidth(240);
+    layout->addWidget(busy, 0, Qt::AlignHCenter);
+    layout->addStretch();
+    return progress;
+}
+
+// Opens the vault on a worker thread while the main loop runs, so that a large vault (100,000
+// services take most of a second) does not keep the window off the screen: after `quietOpening`
+// `progress` shows that the vault is opening. Nothing else touches the keychain, calendar or
+// timers meanwhile, and the store is handed to the main thread, where it stays, once the worker
+// has ended (the store arms its timers only on a change). Nothing when the person closed that
+// window before the vault was open.
+std::optional<OpenResult> openBehindProgress(QWidget& progress, const std::string& vaultPath,
+                                             KeychainManager& keychain,
+                                             const UserCalendar& calendar, Timers& timers) {
+    QEventLoop waiting;
+    std::optional<OpenResult> opened;
+    std::thread worker([&] {
+        opened.emplace(DataStore::open(vaultPath, keychain, calendar, timers));
+        QMetaObject::invokeMethod(&waiting, &QEventLoop::quit, Qt::QueuedConnection);
+    });
+    // Tied to the loop: a vault that failed at once must not bring the window up behind the
+    // message that says so.
+    QTimer::singleShot(quietOpening, &waiting, [&progress] { progress.show(); });
+    bool closed = false;
+    QObject::connect(qApp, &QGuiApplication::lastWindowClosed, &waiting,
+                     [&closed] { closed = true; });
+    waiting.exec();
+    // Closing the window ends the loop early; the open still runs to its end (and closes the
+    // file whole) before the program leaves.
+    worker.join();
+    if (closed) {
+        return std::nullopt;
+    }
+    return opened;
 }
 
 } // namespace
@@ -159,29 +238,36 @@ int Application::run(int argc, char* argv[]) {
     if (vaultLock.tryAcquire() == VaultLock::Outcome::heldByAnother) {
         return handOverToRunningInstance(argc, argv, vaultPath, vaultLock);
     }
-    auto opened = DataStore::open(vaultPath, keychain, calendar, mainLoop);
+    // With a display the GUI starts first and the vault opens behind it; without one there is
+    // no GUI to start, and a vault that cannot be used is still reported on stderr.
+    std::optional<QApplication> app;
+    std::unique_ptr<QWidget> progress;
+    if (hasDisplay()) {
+        startGui(app, argc, argv);
+        progress = openingWindow();
+    }
+    std::optional<OpenResult> opened =
+        progress ? openBehindProgress(*progress, vaultPath, keychain, calendar, mainLoop)
+                 : std::optional(DataStore::open(vaultPath, keychain, calendar, mainLoop));
     if (!opened) {
-        const std::string message = "Failed to initialize data store: " + opened.error();
+        return 0; // closed while opening
+    }
+    if (!*opened) {
+        const std::string message = "Failed to initialize data store: " + opened->error();
         std::fprintf(stderr, "%s\n", message.c_str());
-        if (hasDisplay()) {
-            QApplication app(argc, argv);
-            QMessageBox::critical(nullptr, QStringLiteral("Vorlane"),
-                                  QString::fromStdString(message));
+        if (app) {
+            QMessageBox::critical(progress->isVisible() ? progress.get() : nullptr,
+                                  QStringLiteral("Vorlane"), QString::fromStdString(message));
         }
         return 1;
     }
-    const std::unique_ptr<DataStore> store = std::move(opened).value();
+    const std::unique_ptr<DataStore> store = std::move(*opened).value();
     if (vaultLock.tryAcquire() == VaultLock::Outcome::heldByAnother) {
         return handOverToRunningInstance(argc, argv, vaultPath, vaultLock);
     }
-
-    QApplication app(argc, argv);
-    QApplication::setApplicationDisplayName(QStringLiteral("Vorlane"));
-    QApplication::setDesktopFileName(QStringLiteral(VORLANE_APP_ID));
-    // Our icon table names Breeze icons; use Breeze whatever the desktop's own theme is, so that
-    // no icon comes out blank under a theme that lacks one of them.
-    SymbolIcon::installTheme();
-    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("security-high")));
+    if (!app) {
+        startGui(app, argc, argv);
+    }
 
     PamAuthenticator authenticator(mainLoop, DialogAuthenticationPrompt::factory());
     AuthManager::shared().connectPlatform(authenticator, mainLoop);
@@ -216,7 +302,11 @@ int Application::run(int argc, char* argv[]) {
                                                  QDBusConnection::sessionBus(), clock);
     NotificationManager notificationManager(notificationCenter, calendar);
     const Reminders reminders(context, notificationCenter, notificationManager, window);
+    if (progress && progress->isVisible()) {
+        window.setGeometry(progress->geometry());
+    }
     window.show();
+    progress.reset();
     const int status = QApplication::exec();
     // The shared instance outlives this function; the authenticator and timers it uses do not.
     AuthManager::shared().disconnectPlatform();

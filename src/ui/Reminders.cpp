@@ -8,6 +8,9 @@
 #include "store/DataStore.h"
 #include "util/UserCalendar.h"
 
+#include <QEvent>
+#include <QTimer>
+
 #include <chrono>
 
 namespace vorlane {
@@ -19,7 +22,7 @@ Reminders::Reminders(AppContext& context, DesktopNotificationCenter& center,
     , m_center(center)
     , m_manager(manager)
     , m_window(&window) {
-    connect(&window, &MainWindow::contentShown, this, &Reminders::rebuild);
+    connect(&window, &MainWindow::contentShown, this, &Reminders::rebuildOncePainted);
     connect(&center, &DesktopNotificationCenter::activated, this, &Reminders::open);
     center.watchActivations();
     armDelivery();
@@ -32,6 +35,30 @@ Reminders::~Reminders() {
 void Reminders::rebuild() {
     m_manager.requestPermission();
     m_manager.scheduleExpirationNotifications(m_context.store.fetchAllServices(false));
+}
+
+void Reminders::rebuildOncePainted() {
+    // A rebuild over tens of thousands of services takes most of a second. Run inside the show, it
+    // kept the window off the screen that long; it waits instead until the window is exposed (the
+    // expose paints it), and runs from the main loop after that paint.
+    QWindow* surface = m_window ? m_window->windowHandle() : nullptr;
+    if (surface == nullptr || surface->isExposed()) {
+        QTimer::singleShot(0, this, &Reminders::rebuild);
+        return;
+    }
+    m_awaitingExpose = surface;
+    surface->installEventFilter(this);
+}
+
+bool Reminders::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Expose && watched == m_awaitingExpose &&
+        m_awaitingExpose->isExposed()) {
+        m_awaitingExpose->removeEventFilter(this);
+        m_awaitingExpose.clear();
+        // Queued: the window paints while this expose event is handled.
+        QTimer::singleShot(0, this, &Reminders::rebuild);
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 void Reminders::armDelivery() {

@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QWindow>
 
 namespace vorlane {
 
@@ -14,9 +15,9 @@ class NotificationManager;
 
 // The running program's part in the reminders: each time the main window's content is shown it
 // asks for permission and rebuilds the schedule from every service that is not archived (nothing
-// else reschedules); at the start of every minute it delivers what has fallen due; a click on a
-// delivered reminder brings the window forward on that service. Main thread; the context, centre,
-// manager and window must outlive it.
+// else reschedules), once the window is on screen and painted, from the main loop; at the start of
+// every minute it delivers what has fallen due; a click on a delivered reminder brings the window
+// forward on that service. Main thread; the context, centre, manager and window must outlive it.
 class Reminders : public QObject {
     Q_OBJECT
 
@@ -28,7 +29,11 @@ public:
     // Asks for permission, then rebuilds the schedule.
     void rebuild();
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
+    void rebuildOncePainted();
     void armDelivery();
     void open(const QString& identifier);
 
@@ -36,6 +41,8 @@ private:
     DesktopNotificationCenter& m_center;
     NotificationManager& m_manager;
     QPointer<MainWindow> m_window;
+    // The window's surface while a rebuild waits for it to be exposed.
+    QPointer<QWindow> m_awaitingExpose;
     Timers::TimerId m_deliveryTimer = 0;
 };
 
