@@ -5,6 +5,7 @@
 #include "components/EmptyStatePages.h"
 #include "components/EmptyStateView.h"
 #include "components/RowListView.h"
+#include "components/ScreenTitle.h"
 #include "components/ServiceContextMenu.h"
 #include "components/ServiceListModel.h"
 #include "components/ServiceRowDelegate.h"
@@ -32,11 +33,8 @@ AllCredentialsView::AllCredentialsView(AppContext& context, QWidget* parent)
     , m_empty(new EmptyStateView(EmptyState{"key", {}, {}, {}})) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(16, 16, 16, 0);
-    auto* title = new QLabel(toQString(AllCredentialsScreen::title));
-    QFont titleFont = title->font();
-    titleFont.setPointSizeF(titleFont.pointSizeF() * 1.5);
-    titleFont.setWeight(QFont::DemiBold);
-    title->setFont(titleFont);
+    QLabel* title =
+        ScreenTitle::create(toQString(AllCredentialsScreen::title), ScreenTitle::Kind::list);
     layout->addWidget(title);
 
     auto* contentLayout = new QVBoxLayout(m_content);

@@ -6,6 +6,7 @@
 #include "components/EmptyStatePages.h"
 #include "components/EmptyStateView.h"
 #include "components/RowListView.h"
+#include "components/ScreenTitle.h"
 #include "components/SectionedListModel.h"
 #include "components/SectionedRowDelegate.h"
 #include "components/ServiceContextMenu.h"
@@ -27,11 +28,7 @@ ArchiveView::ArchiveView(AppContext& context, QWidget* parent)
     , m_empty(new EmptyStateView(EmptyState{"archivebox", {}, {}, {}})) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(16, 16, 16, 0);
-    auto* title = new QLabel(toQString(ArchiveScreen::title));
-    QFont titleFont = title->font();
-    titleFont.setPointSizeF(titleFont.pointSizeF() * 1.5);
-    titleFont.setWeight(QFont::DemiBold);
-    title->setFont(titleFont);
+    QLabel* title = ScreenTitle::create(toQString(ArchiveScreen::title), ScreenTitle::Kind::list);
     layout->addWidget(title);
     m_list->setModel(m_model);
     m_list->setItemDelegate(new SectionedRowDelegate(m_list));

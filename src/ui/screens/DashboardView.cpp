@@ -5,6 +5,7 @@
 #include "components/BarChart.h"
 #include "components/ListRole.h"
 #include "components/RowListView.h"
+#include "components/ScreenTitle.h"
 #include "components/SectionHeader.h"
 #include "components/ServiceContextMenu.h"
 #include "components/ServiceListModel.h"
@@ -94,11 +95,8 @@ DashboardView::DashboardView(AppContext& context, QWidget* parent)
     layout->setContentsMargins(24, 24, 24, 24);
     layout->setSpacing(12);
 
-    auto* title = new QLabel(toQString(DashboardScreen::title));
-    QFont titleFont = title->font();
-    titleFont.setPointSizeF(titleFont.pointSizeF() * 1.8);
-    titleFont.setWeight(QFont::Bold);
-    title->setFont(titleFont);
+    QLabel* title =
+        ScreenTitle::create(toQString(DashboardScreen::title), ScreenTitle::Kind::overview);
     title->setAccessibleName(title->text());
     layout->addWidget(title);
     layout->addSpacing(4);

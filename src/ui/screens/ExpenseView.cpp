@@ -3,6 +3,7 @@
 #include "QtText.h"
 #include "app/AppContext.h"
 #include "components/BarChart.h"
+#include "components/ScreenTitle.h"
 #include "components/StatCardView.h"
 #include "screens/ExpenseCardDelegate.h"
 #include "screens/ExpenseCardGrid.h"
@@ -41,11 +42,8 @@ ExpenseView::ExpenseView(AppContext& context, QWidget* parent)
     layout->setContentsMargins(24, 24, 24, 24);
     layout->setSpacing(12);
 
-    auto* title = new QLabel(toQString(ExpenseScreen::title));
-    QFont titleFont = title->font();
-    titleFont.setPointSizeF(titleFont.pointSizeF() * 1.8);
-    titleFont.setWeight(QFont::Bold);
-    title->setFont(titleFont);
+    QLabel* title =
+        ScreenTitle::create(toQString(ExpenseScreen::title), ScreenTitle::Kind::overview);
     layout->addWidget(title);
     auto* subtitle = new QLabel(toQString(ExpenseScreen::subtitle));
     subtitle->setForegroundRole(QPalette::PlaceholderText);

@@ -7,6 +7,7 @@
 #include "components/EmptyStatePages.h"
 #include "components/EmptyStateView.h"
 #include "components/RowListView.h"
+#include "components/ScreenTitle.h"
 #include "components/SectionedListModel.h"
 #include "components/SectionedRowDelegate.h"
 #include "components/ServiceContextMenu.h"
@@ -23,7 +24,7 @@ GlobalSearchView::GlobalSearchView(AppContext& context, QWidget* parent)
     : QWidget(parent)
     , m_context(context)
     , m_screen(context)
-    , m_title(new QLabel)
+    , m_title(ScreenTitle::create(QString(), ScreenTitle::Kind::list))
     , m_count(new QLabel)
     , m_typeFilter(new ServiceTypePicker(GlobalSearchScreen::allTypesTitle))
     , m_pages(new EmptyStatePages)
@@ -38,10 +39,6 @@ GlobalSearchView::GlobalSearchView(AppContext& context, QWidget* parent)
     auto* icon = new QLabel;
     icon->setPixmap(SymbolIcon::icon(GlobalSearchScreen::icon).pixmap(22, 22));
     header->addWidget(icon);
-    QFont titleFont = m_title->font();
-    titleFont.setPointSizeF(titleFont.pointSizeF() * 1.5);
-    titleFont.setWeight(QFont::DemiBold);
-    m_title->setFont(titleFont);
     m_title->setTextFormat(Qt::PlainText);
     header->addWidget(m_title, 1);
     m_count->setForegroundRole(QPalette::PlaceholderText);

@@ -6,6 +6,7 @@
 #include "components/EmptyStatePages.h"
 #include "components/EmptyStateView.h"
 #include "components/RowListView.h"
+#include "components/ScreenTitle.h"
 #include "screens/RenewalListModel.h"
 #include "screens/RenewalRowDelegate.h"
 #include "store/DataStore.h"
@@ -31,11 +32,7 @@ RenewalView::RenewalView(AppContext& context, RenewalFilter filter, Organization
     , m_empty(new EmptyStateView(EmptyState{"calendar.badge.clock", {}, {}, {}})) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(16, 16, 16, 0);
-    auto* title = new QLabel(toQString(m_screen.title()));
-    QFont titleFont = title->font();
-    titleFont.setPointSizeF(titleFont.pointSizeF() * 1.5);
-    titleFont.setWeight(QFont::DemiBold);
-    title->setFont(titleFont);
+    QLabel* title = ScreenTitle::create(toQString(m_screen.title()), ScreenTitle::Kind::list);
     layout->addWidget(title);
     m_count->setForegroundRole(QPalette::PlaceholderText);
     layout->addWidget(m_count);
