@@ -1,8 +1,10 @@
 #!/usr/bin/env bash
 # Whole-process start of `vorlane` to its first window on screen, on a vault of 100,000 services
-# (or as told): the wall time from exec to the main window being viewable on an Xvfb display,
-# seen from outside with xwininfo, so the program carries no timing hook of its own. Runs on a
-# private session bus with an unlocked GNOME Keyring, as on a desktop.
+# (or as told): the wall time from exec to its first window being viewable on an Xvfb display,
+# and to the main window (a vault that takes a while to open shows a window saying so first, and
+# the main window, a new one, takes its place), seen from outside with xwininfo, so the program
+# carries no timing hook of its own. Runs on a private session bus with an unlocked GNOME Keyring,
+# as on a desktop.
 #
 #   bench/startup-time.sh [BUILD_DIR] [SERVICES] [RUNS]
 set -euo pipefail
@@ -21,20 +23,32 @@ fi
 # Inside the display: start, poll until the window is viewable, note the time, quit, and wait
 # for the exit (the next start must not find this one still holding the vault).
 measure='
+# The viewable top levels of class "vorlane" titled Vorlane (Qt also makes a 1 x 1 helper window
+# with that title, never mapped), other than the one given.
+viewable() {
+    for id in $(xwininfo -root -tree 2>/dev/null | awk "/\"Vorlane\": \\(\"vorlane\"/ {print \$1}"); do
+        [[ $id != "$1" ]] && xwininfo -id "$id" 2>/dev/null | grep -q "Map State: IsViewable" &&
+            echo "$id" && return
+    done
+}
 for run in $(seq 1 "$RUNS"); do
     start=$(date +%s%N)
     "$APP" --vault "$VAULT" 2>/dev/null &
     pid=$!
-    # The main window is the top level of class "vorlane" titled Vorlane (Qt also makes a 1 x 1
-    # helper window with that title).
-    until id=$(xwininfo -root -tree 2>/dev/null | awk "/\"Vorlane\": \\(\"vorlane\"/ {print \$1; exit}") &&
-          [[ -n $id ]] && xwininfo -id "$id" 2>/dev/null | grep -q "Map State: IsViewable"; do
+    until first=$(viewable none) && [[ -n $first ]]; do
         kill -0 "$pid" 2>/dev/null || { echo "vorlane exited before showing a window" >&2; exit 1; }
         sleep 0.005
     done
-    end=$(date +%s%N)
+    shown=$(date +%s%N)
+    # A second window within 10 s is the main one; without one the first was.
+    main=$shown
+    while (( $(date +%s%N) - shown < 10000000000 )); do
+        if [[ -n $(viewable "$first") ]]; then main=$(date +%s%N); break; fi
+        sleep 0.005
+    done
     rss=$(awk "/VmRSS/ {print int(\$2 / 1024)}" /proc/$pid/status)
-    echo "run $run: $(( (end - start) / 1000000 )) ms to the first window, ${rss} MB resident"
+    echo "run $run: $(( (shown - start) / 1000000 )) ms to the first window," \
+         "$(( (main - start) / 1000000 )) ms to the main window, ${rss} MB resident"
     kill "$pid"
     wait "$pid" 2>/dev/null || true
 done'
