@@ -185,8 +185,8 @@ std::optional<OpenResult> openBehindProgress(QWidget& progress, const std::strin
     QObject::connect(qApp, &QGuiApplication::lastWindowClosed, &waiting,
                      [&closed] { closed = true; });
     waiting.exec();
-    // Closing the window ends the loop early; the open still runs to its end (and closes the
-    // file whole) before the program leaves.
+    // A person who closed the window meanwhile still waits for the open to end (it leaves the
+    // file whole) before the program does.
     worker.join();
     if (closed) {
         return std::nullopt;
