@@ -3,33 +3,24 @@
 // change to the counts repainted. Same vaults as the store benchmarks (StoreBench.cpp); the
 // widget runs on Qt's offscreen platform.
 
-#include "BenchEnvironment.h"
-#include "SymbolIcon.h"
+#include "WidgetBench.h"
+#include "app/AppContext.h"
+#include "app/AppState.h"
 #include "screens/SidebarModel.h"
 #include "screens/SidebarView.h"
+#include "store/DataStore.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QListView>
 
 #include <benchmark/benchmark.h>
 
-#include <memory>
 #include <string>
 
 namespace {
 
 using namespace vorlane;
-using bench::BenchEnvironment;
-using bench::BenchVault;
-
-// Made in main once the QApplication exists, and gone before it is.
-std::unique_ptr<BenchEnvironment> theEnvironment;
-
-// One open vault per size with its context, shared by the benchmarks (the store benchmarks' files).
-AppContext& sharedContext(std::int64_t services) {
-    return theEnvironment->context("vorlane-bench-" + std::to_string(services),
-                                   BenchVault::withServices(services));
-}
+using bench::sharedContext;
 
 // Every count and the quick list, as after any change to the store.
 void sidebarModelRefresh(benchmark::State& state) {
@@ -85,15 +76,3 @@ void sidebarChangeToPaint(benchmark::State& state) {
 BENCHMARK(sidebarChangeToPaint)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
 
 } // namespace
-
-int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    SymbolIcon::installTheme();
-    theEnvironment = std::make_unique<BenchEnvironment>();
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    theEnvironment.reset();
-    return 0;
-}
