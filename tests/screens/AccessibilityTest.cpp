@@ -2,7 +2,10 @@
 #include "ScreenFixture.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
+#include "screens/ServiceFormSheet.h"
+#include "screens/ShareSheet.h"
 #include "screens/SidebarView.h"
+#include "screens/SmartPasteSheet.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
@@ -10,15 +13,21 @@
 #include <QAbstractSpinBox>
 #include <QAccessible>
 #include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
 #include <QComboBox>
 #include <QDialog>
+#include <QGuiApplication>
 #include <QLineEdit>
 #include <QListView>
+#include <QListWidget>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QTabBar>
 #include <QTextEdit>
 
+#include <algorithm>
 #include <chrono>
 
 namespace vorlane::testing {
@@ -92,6 +101,81 @@ void expectEverythingNamed(QWidget& root, const QString& screen) {
         }
     }
     EXPECT_GT(controls, 0) << screen.toStdString() << " shows no control at all";
+}
+
+// The stops Tab visits in `sheet`, from its first, in order.
+QList<QWidget*> tabStops(QWidget& sheet) {
+    QList<QWidget*> stops;
+    for (QWidget* widget = sheet.nextInFocusChain(); widget != &sheet;
+         widget = widget->nextInFocusChain()) {
+        if (widget->isVisible() && widget->isEnabled() && widget->focusProxy() == nullptr &&
+            (widget->focusPolicy() & Qt::TabFocus) != 0 && sheet.isAncestorOf(widget)) {
+            stops.append(widget);
+        }
+    }
+    return stops;
+}
+
+QString accessibleName(QWidget* widget) {
+    QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(widget);
+    return accessible != nullptr ? accessible->text(QAccessible::Name) : QString();
+}
+
+// Tab goes the way a person reads the sheet: down the page, and left to right along a row. A
+// stop that lies above the previous one, or left of it on the same row, is a jump that the
+// layout does not show.
+void expectReadingOrder(QWidget& sheet, const QString& name) {
+    QList<QWidget*> stops = tabStops(sheet);
+    ASSERT_GT(stops.size(), 1) << name.toStdString();
+    // Tab goes round: the walk starts at the stop a person reads first (the highest, then the
+    // leftmost), so that only the wrap from the last stop back to it goes up.
+    const auto readFirst =
+        std::min_element(stops.begin(), stops.end(), [&](QWidget* a, QWidget* b) {
+            const QPoint pa = a->mapTo(&sheet, QPoint(0, 0));
+            const QPoint pb = b->mapTo(&sheet, QPoint(0, 0));
+            return std::pair(pa.y(), pa.x()) < std::pair(pb.y(), pb.x());
+        });
+    const qsizetype start = std::distance(stops.begin(), readFirst);
+    stops = stops.mid(start) + stops.first(start);
+    QString order;
+    for (QWidget* stop : stops) {
+        order += QStringLiteral("\n  ") + accessibleName(stop);
+    }
+    // The nearest scrolling ancestor: the contents of a scroll area are laid out on their own
+    // page, so only stops on the same page are compared by place.
+    auto page = [](const QWidget* widget) {
+        for (const QWidget* parent = widget->parentWidget(); parent != nullptr;
+             parent = parent->parentWidget()) {
+            if (qobject_cast<const QAbstractScrollArea*>(parent) != nullptr) {
+                return parent;
+            }
+        }
+        return static_cast<const QWidget*>(nullptr);
+    };
+    for (qsizetype i = 1; i < stops.size(); ++i) {
+        if (page(stops[i - 1]) != page(stops[i])) {
+            continue;
+        }
+        const QRect before(stops[i - 1]->mapTo(&sheet, QPoint(0, 0)), stops[i - 1]->size());
+        const QRect after(stops[i]->mapTo(&sheet, QPoint(0, 0)), stops[i]->size());
+        const bool sameRow = after.top() < before.bottom() && before.top() < after.bottom();
+        const bool forward =
+            sameRow ? after.left() >= before.right() : after.top() >= before.bottom();
+        EXPECT_TRUE(forward) << name.toStdString() << ": Tab goes from \""
+                             << accessibleName(stops[i - 1]).toStdString() << "\" to \""
+                             << accessibleName(stops[i]).toStdString() << "\"; the order is"
+                             << order.toStdString();
+    }
+}
+
+QPushButton* visibleButton(QWidget& sheet, const QString& text) {
+    for (QPushButton* button : sheet.findChildren<QPushButton*>()) {
+        if (button->text() == text && button->isVisible()) {
+            return button;
+        }
+    }
+    ADD_FAILURE() << "no button " << text.toStdString();
+    return nullptr;
 }
 
 class AccessibilityTest : public ScreenFixture {
@@ -205,6 +289,109 @@ TEST_F(AccessibilityTest, EveryControlOfEveryScreenAndSheetHasAName) {
     }
     ASSERT_NE(settings, nullptr);
     expectEverythingNamed(*settings, QStringLiteral("settings window"));
+}
+
+TEST_F(AccessibilityTest, TheSheetsTabInReadingOrderAndTheirLaterStepsAreNamed) {
+    m_state.setEditingService(&m_mail);
+    ServiceFormSheet form(context());
+    form.show();
+    expectEverythingNamed(form, QStringLiteral("service form, editing"));
+    expectReadingOrder(form, QStringLiteral("service form"));
+
+    SmartPasteSheet paste(context(), &m_acme);
+    paste.show();
+    expectReadingOrder(paste, QStringLiteral("smart paste, paste step"));
+    QGuiApplication::clipboard()->setText(
+        QStringLiteral("Host: files.example\nUsername: deploy\nPassword: pw-123\n"));
+    QTest::mouseClick(visibleButton(paste, QStringLiteral("Paste from Clipboard")), Qt::LeftButton);
+    QTest::mouseClick(visibleButton(paste, QStringLiteral("Parse")), Qt::LeftButton);
+    ASSERT_EQ(paste.flow().step(), SmartPasteFlow::Step::review);
+    expectEverythingNamed(paste, QStringLiteral("smart paste, review step"));
+    expectReadingOrder(paste, QStringLiteral("smart paste, review step"));
+
+    ShareSheet share(context(), m_acme, m_acme.services);
+    share.show();
+    expectReadingOrder(share, QStringLiteral("share, choose step"));
+    share.findChild<QListWidget*>()->item(0)->setCheckState(Qt::Checked);
+    QTest::mouseClick(visibleButton(share, QStringLiteral("Next")), Qt::LeftButton);
+    for (QCheckBox* box : share.findChildren<QCheckBox*>()) {
+        box->setChecked(true); // every option shown, the export password among them
+    }
+    expectEverythingNamed(share, QStringLiteral("share, configure step"));
+    expectReadingOrder(share, QStringLiteral("share, configure step"));
+    QTest::mouseClick(visibleButton(share, QStringLiteral("Review")), Qt::LeftButton);
+    expectEverythingNamed(share, QStringLiteral("share, review step"));
+    expectReadingOrder(share, QStringLiteral("share, review step"));
+}
+
+// Presses Tab until `reached` holds for the focused widget, at most a window's worth of stops.
+bool tabUntil(const std::function<bool(QWidget*)>& reached) {
+    for (int i = 0; i < 60; ++i) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        if (QApplication::focusWidget() != nullptr && reached(QApplication::focusWidget())) {
+            return true;
+        }
+    }
+    return false;
+}
+
+TEST_F(AccessibilityTest, TheMainWindowWorksFromTheKeyboardAlone) {
+    MainWindow window(context());
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    auto* sidebar = window.findChild<SidebarView*>();
+    ASSERT_NE(sidebar, nullptr);
+
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_F, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::focusWidget(), window.searchField());
+    QTest::keyClick(window.searchField(), Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), sidebar->list()) << "Tab from the search field";
+    EXPECT_TRUE(tabUntil([&](QWidget* focus) {
+        return window.detailScreen()->isAncestorOf(focus);
+    })) << "Tab never reaches the detail pane";
+
+    // The sidebar: arrows walk the destinations, Return on an organization opens it.
+    sidebar->list()->setFocus(Qt::TabFocusReason);
+    QListView* rows = sidebar->list();
+    auto currentText = [rows] {
+        return rows->currentIndex().data(Qt::DisplayRole).toString();
+    };
+    for (int i = 0; i < 20 && currentText() != QStringLiteral("Organizations"); ++i) {
+        QTest::keyClick(rows, Qt::Key_Down);
+    }
+    ASSERT_EQ(currentText(), QStringLiteral("Organizations"));
+    QTest::keyClick(rows, Qt::Key_Return);
+    EXPECT_EQ(window.detailRoute(), DetailScreen::organizationGrid);
+    for (int i = 0; i < 20 && currentText() != QStringLiteral("Acme Studio"); ++i) {
+        QTest::keyClick(rows, Qt::Key_Down);
+    }
+    ASSERT_EQ(currentText(), QStringLiteral("Acme Studio"));
+    QTest::keyClick(rows, Qt::Key_Return);
+    EXPECT_EQ(m_state.selectedOrganization(), &m_acme);
+    EXPECT_EQ(window.detailRoute(), DetailScreen::organizationDetail);
+
+    // The grid: Tab into the cards, Return on the first opens its organization.
+    m_state.showOrganizations();
+    QApplication::processEvents();
+    ASSERT_EQ(window.detailRoute(), DetailScreen::organizationGrid);
+    rows->setFocus(Qt::TabFocusReason);
+    ASSERT_TRUE(
+        tabUntil([](QWidget* focus) { return qobject_cast<QListView*>(focus) != nullptr; }));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(m_state.selectedOrganization(), &m_acme) << "Return on an organization card";
+    QApplication::processEvents();
+
+    // The organization's overview: Tab into its service list, Return opens the service.
+    ASSERT_EQ(window.detailRoute(), DetailScreen::organizationDetail);
+    ASSERT_TRUE(tabUntil([&](QWidget* focus) {
+        return qobject_cast<QListView*>(focus) != nullptr &&
+               window.detailScreen()->isAncestorOf(focus);
+    }));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_NE(m_state.selectedService(), nullptr) << "Return on a service row";
+    QApplication::processEvents();
+    EXPECT_EQ(window.detailRoute(), DetailScreen::serviceDetail);
 }
 
 } // namespace

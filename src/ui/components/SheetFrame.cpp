@@ -15,7 +15,9 @@ namespace vorlane {
 SheetFrame::SheetFrame(QDialog& dialog, const QString& title, CloseButton closeButton)
     : m_content(new QVBoxLayout)
     , m_subtitle(new QLabel)
+    , m_dialog(dialog)
     , m_back(new QPushButton(QStringLiteral("Back")))
+    , m_cancel(new QPushButton(QStringLiteral("Cancel")))
     , m_main(new QPushButton) {
     dialog.setWindowTitle(title);
     auto* layout = new QVBoxLayout(&dialog);
@@ -51,18 +53,30 @@ SheetFrame::SheetFrame(QDialog& dialog, const QString& title, CloseButton closeB
     layout->addLayout(m_content, 1);
     layout->addWidget(divider());
 
-    auto* cancel = new QPushButton(QStringLiteral("Cancel"));
     auto* footer = new QHBoxLayout;
     footer->setContentsMargins(20, 12, 20, 16);
     footer->addWidget(m_back);
     footer->addStretch();
-    footer->addWidget(cancel);
+    footer->addWidget(m_cancel);
     footer->addWidget(m_main);
     layout->addLayout(footer);
     m_main->setDefault(true);
     m_back->setAutoDefault(false);
-    cancel->setAutoDefault(false);
-    QObject::connect(cancel, &QPushButton::clicked, &dialog, &QDialog::reject);
+    m_cancel->setAutoDefault(false);
+    QObject::connect(m_cancel, &QPushButton::clicked, &dialog, &QDialog::reject);
+}
+
+void SheetFrame::tabToFooterLast() {
+    // After the content's last Tab stop: the chain ends in widgets Tab never visits (labels, the
+    // parts of compound controls), and the buttons go where Tab will find them.
+    QWidget* last = m_dialog.previousInFocusChain();
+    while (last != &m_dialog && (last == m_back || last == m_cancel || last == m_main ||
+                                 (last->focusPolicy() & Qt::TabFocus) == 0)) {
+        last = last->previousInFocusChain();
+    }
+    QWidget::setTabOrder(last, m_back);
+    QWidget::setTabOrder(m_back, m_cancel);
+    QWidget::setTabOrder(m_cancel, m_main);
 }
 
 QFrame* SheetFrame::divider() {

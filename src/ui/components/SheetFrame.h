@@ -29,13 +29,19 @@ public:
     QPushButton* back() const { return m_back; }
     QPushButton* main() const { return m_main; }
 
+    // Puts the footer's buttons after everything else for Tab, as they are read: call once the
+    // content is in place (they are made before it, and would otherwise come first).
+    void tabToFooterLast();
+
     // A rule across the sheet, as the one above the footer.
     static QFrame* divider();
 
 private:
     QVBoxLayout* m_content;
     QLabel* m_subtitle;
+    QDialog& m_dialog;
     QPushButton* m_back;
+    QPushButton* m_cancel;
     QPushButton* m_main;
 };
 

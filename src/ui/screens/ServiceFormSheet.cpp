@@ -19,6 +19,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QStyle>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -241,6 +242,13 @@ ServiceFormSheet::ServiceFormSheet(AppContext& context, QWidget* parent)
     layout->addWidget(buttons);
     // Only once the button is inside the dialog can it become the dialog's default (Return).
     m_save->setDefault(true);
+    // The box lays its buttons out in the desktop's order (Save first under KDE and Windows):
+    // Tab follows what is shown rather than the order they were made in.
+    const auto order = static_cast<QDialogButtonBox::ButtonLayout>(
+        buttons->style()->styleHint(QStyle::SH_DialogButtonLayout, nullptr, buttons));
+    if (order == QDialogButtonBox::KdeLayout || order == QDialogButtonBox::WinLayout) {
+        setTabOrder(m_save, buttons->button(QDialogButtonBox::Cancel));
+    }
     resize(600, 720);
     refresh();
     title->setFocus();

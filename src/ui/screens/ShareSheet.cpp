@@ -90,6 +90,7 @@ ShareSheet::ShareSheet(AppContext& context, Organization& organization,
     m_chooseFile = [this](const QString& proposedName) {
         return askForFile(proposedName);
     };
+    m_frame.tabToFooterLast();
     refresh();
     m_serviceList->setFocus();
 }
@@ -157,6 +158,8 @@ QWidget* ShareSheet::createSelectStep() {
 
 QWidget* ShareSheet::createConfigureStep() {
     auto* scroll = new QScrollArea;
+    // Not a stop for Tab: every field inside is, and the area scrolls to the focused one.
+    scroll->setFocusPolicy(Qt::NoFocus);
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
     auto* page = new QWidget;

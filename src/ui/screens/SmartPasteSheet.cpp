@@ -79,6 +79,7 @@ SmartPasteSheet::SmartPasteSheet(AppContext& context, Organization* organization
     });
     connect(m_frame.main(), &QPushButton::clicked, this, &SmartPasteSheet::runMainAction);
 
+    m_frame.tabToFooterLast();
     refresh();
     m_editor->setFocus();
 }
@@ -123,6 +124,8 @@ QWidget* SmartPasteSheet::createPasteStep() {
 
 QWidget* SmartPasteSheet::createReviewStep() {
     auto* scroll = new QScrollArea;
+    // Not a stop for Tab: every field inside is, and the area scrolls to the focused one.
+    scroll->setFocusPolicy(Qt::NoFocus);
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
     auto* page = new QWidget;
