@@ -2,6 +2,7 @@
 #include "ScreenFixture.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
+#include "screens/OrganizationFormSheet.h"
 #include "screens/ServiceFormSheet.h"
 #include "screens/ShareSheet.h"
 #include "screens/SidebarView.h"
@@ -297,6 +298,12 @@ TEST_F(AccessibilityTest, TheSheetsTabInReadingOrderAndTheirLaterStepsAreNamed) 
     form.show();
     expectEverythingNamed(form, QStringLiteral("service form, editing"));
     expectReadingOrder(form, QStringLiteral("service form"));
+
+    m_state.setEditingOrganization(&m_acme);
+    OrganizationFormSheet organizationForm(context());
+    organizationForm.show();
+    expectEverythingNamed(organizationForm, QStringLiteral("organization form, editing"));
+    expectReadingOrder(organizationForm, QStringLiteral("organization form"));
 
     SmartPasteSheet paste(context(), &m_acme);
     paste.show();
