@@ -25,6 +25,9 @@ TEST(CurrencyFormatTest, WritesBetweenNoneAndTwoFractionDigitsInEachLocale) {
     EXPECT_EQ(currencyFormatted(amount("0"), "de_DE"), "0" + nbsp + "$");
     EXPECT_EQ(currencyFormatted(amount("0.005"), "de_DE"), "0" + nbsp + "$");
     EXPECT_EQ(currencyFormatted(amount("1000000000"), "de_DE"), "1.000.000.000" + nbsp + "$");
+
+    // What ICU makes of LANG=C: no preference, so plain English, not "$ 1234.5".
+    EXPECT_EQ(currencyFormatted(amount("1234.5"), "en_US_POSIX"), "$1,234.5");
 }
 
 TEST(CurrencyFormatTest, RoundsTheExactDecimalNotABinaryApproximation) {

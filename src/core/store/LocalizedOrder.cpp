@@ -1,5 +1,7 @@
 #include "store/LocalizedOrder.h"
 
+#include "util/UserLocale.h"
+
 #include <unicode/coll.h>
 #include <unicode/locid.h>
 #include <unicode/unistr.h>
@@ -13,26 +15,10 @@ struct LocalizedOrder::Collation {
     std::unique_ptr<icu::Collator> collator;
 };
 
-namespace {
-
-// ICU reports the C and POSIX locales as en_US_POSIX, whose collation sorts every capital before
-// every small letter (a byte order). That locale says "no preference" rather than "American", so
-// it gets the root collation, the order of the Unicode Collation Algorithm.
-icu::Locale collationLocale(std::string_view localeId) {
-    const icu::Locale locale =
-        localeId.empty() ? icu::Locale::getDefault() : icu::Locale(std::string(localeId).c_str());
-    if (std::string_view(locale.getVariant()) == "POSIX") {
-        return icu::Locale::getRoot();
-    }
-    return locale;
-}
-
-} // namespace
-
 LocalizedOrder::LocalizedOrder(std::string_view localeId)
     : m_collation(std::make_unique<Collation>()) {
     UErrorCode status = U_ZERO_ERROR;
-    m_collation->collator.reset(icu::Collator::createInstance(collationLocale(localeId), status));
+    m_collation->collator.reset(icu::Collator::createInstance(userLocale(localeId), status));
     if (U_FAILURE(status) || !m_collation->collator) {
         // The root collation is built into ICU and always there.
         status = U_ZERO_ERROR;

@@ -1,5 +1,7 @@
 #include "util/CurrencyFormat.h"
 
+#include "util/UserLocale.h"
+
 #include <unicode/locid.h>
 #include <unicode/numberformatter.h>
 #include <unicode/unistr.h>
@@ -35,9 +37,7 @@ const icu::number::LocalizedNumberFormatter* formatterFor(const icu::Locale& loc
 
 std::string currencyFormatted(const Decimal& amount, std::string_view localeId) {
     const std::string fallback = "$0";
-    const icu::Locale locale =
-        localeId.empty() ? icu::Locale::getDefault() : icu::Locale(std::string(localeId).c_str());
-    const icu::number::LocalizedNumberFormatter* formatter = formatterFor(locale);
+    const icu::number::LocalizedNumberFormatter* formatter = formatterFor(userLocale(localeId));
     if (formatter == nullptr) {
         return fallback;
     }
