@@ -14,6 +14,7 @@
 #include "SingleInstance.h"
 #include "SymbolIcon.h"
 #include "VaultLock.h"
+#include "VaultOpening.h"
 #include "app/AppContext.h"
 #include "app/AppState.h"
 #include "app/ServiceActions.h"
@@ -28,7 +29,6 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDBusConnection>
-#include <QEventLoop>
 #include <QFileInfo>
 #include <QIcon>
 #include <QLabel>
@@ -36,13 +36,10 @@
 #include <QProgressBar>
 #include <QStatusBar>
 #include <QStringList>
-#include <QTimer>
 #include <QVBoxLayout>
 
-#include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <thread>
 
 namespace vorlane {
 
@@ -135,12 +132,6 @@ void startGui(std::optional<QApplication>& app, int& argc, char* argv[]) {
     QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("security-high")));
 }
 
-using OpenResult = Result<std::unique_ptr<DataStore>, std::string>;
-
-// How long a vault may take to open before the window shows that it is opening: a small vault
-// opens in a blink, and a window that flashes a busy state for it would only be noise.
-constexpr std::chrono::milliseconds quietOpening{100};
-
 // The window shown while the vault opens: titled and sized as the main one, which takes its
 // place.
 std::unique_ptr<QWidget> openingWindow() {
@@ -161,37 +152,6 @@ std::unique_ptr<QWidget> openingWindow() {
     layout->addWidget(busy, 0, Qt::AlignHCenter);
     layout->addStretch();
     return progress;
-}
-
-// Opens the vault on a worker thread while the main loop runs, so that a large vault (100,000
-// services take most of a second) does not keep the window off the screen: after `quietOpening`
-// `progress` shows that the vault is opening. Nothing else touches the keychain, calendar or
-// timers meanwhile, and the store is handed to the main thread, where it stays, once the worker
-// has ended (the store arms its timers only on a change). Nothing when the person closed that
-// window before the vault was open.
-std::optional<OpenResult> openBehindProgress(QWidget& progress, const std::string& vaultPath,
-                                             KeychainManager& keychain,
-                                             const UserCalendar& calendar, Timers& timers) {
-    QEventLoop waiting;
-    std::optional<OpenResult> opened;
-    std::thread worker([&] {
-        opened.emplace(DataStore::open(vaultPath, keychain, calendar, timers));
-        QMetaObject::invokeMethod(&waiting, &QEventLoop::quit, Qt::QueuedConnection);
-    });
-    // Tied to the loop: a vault that failed at once must not bring the window up behind the
-    // message that says so.
-    QTimer::singleShot(quietOpening, &waiting, [&progress] { progress.show(); });
-    bool closed = false;
-    QObject::connect(qApp, &QGuiApplication::lastWindowClosed, &waiting,
-                     [&closed] { closed = true; });
-    waiting.exec();
-    // A person who closed the window meanwhile still waits for the open to end (it leaves the
-    // file whole) before the program does.
-    worker.join();
-    if (closed) {
-        return std::nullopt;
-    }
-    return opened;
 }
 
 } // namespace
@@ -238,17 +198,17 @@ int Application::run(int argc, char* argv[]) {
     if (vaultLock.tryAcquire() == VaultLock::Outcome::heldByAnother) {
         return handOverToRunningInstance(argc, argv, vaultPath, vaultLock);
     }
-    // With a display the GUI starts first and the vault opens behind it; without one there is
-    // no GUI to start, and a vault that cannot be used is still reported on stderr.
+    // The vault opens while the GUI starts; without a display there is no GUI to start, and a
+    // vault that cannot be used is still reported on stderr.
+    VaultOpening opening(vaultPath, keychain, calendar, mainLoop);
     std::optional<QApplication> app;
     std::unique_ptr<QWidget> progress;
     if (hasDisplay()) {
         startGui(app, argc, argv);
         progress = openingWindow();
     }
-    std::optional<OpenResult> opened =
-        progress ? openBehindProgress(*progress, vaultPath, keychain, calendar, mainLoop)
-                 : std::optional(DataStore::open(vaultPath, keychain, calendar, mainLoop));
+    std::optional<VaultOpening::Opened> opened =
+        progress ? opening.waitBehind(*progress) : std::optional(opening.wait());
     if (!opened) {
         return 0; // closed while opening
     }

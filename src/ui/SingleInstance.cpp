@@ -54,10 +54,17 @@ bool SingleInstance::askToRaise(const QString& socketName, int timeoutMs,
         socket.connectToServer(socketName);
         if (socket.waitForConnected(200)) {
             socket.write(QByteArray(raiseMessage.data(), raiseMessage.size()) + '\n');
-            if (socket.waitForBytesWritten(1000) && socket.waitForReadyRead(2000)) {
-                return socket.readLine().trimmed() == QByteArrayView(acknowledgement);
+            if (!socket.waitForBytesWritten(1000)) {
+                return false;
             }
-            return false;
+            // The other program answers from its main loop, which may be busy for a moment (a
+            // large vault just opened): wait for as long as it lives, up to the deadline.
+            while (!socket.canReadLine() && !deadline.hasExpired() && stillWorthTrying() &&
+                   socket.state() == QLocalSocket::ConnectedState) {
+                socket.waitForReadyRead(200);
+            }
+            return socket.canReadLine() &&
+                   socket.readLine().trimmed() == QByteArrayView(acknowledgement);
         }
         // Not listening yet: the other program is still opening the vault.
         QThread::msleep(100);
