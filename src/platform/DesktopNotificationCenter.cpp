@@ -8,8 +8,10 @@
 #include <QVariantMap>
 
 #include <iostream>
-#include <unordered_set>
-#include <utility>
+#include <memory>
+#include <set>
+#include <string_view>
+#include <unordered_map>
 
 namespace vorlane {
 
@@ -27,6 +29,25 @@ const QString criticalSound = QStringLiteral("dialog-warning");
 constexpr uchar normalUrgency = 1;
 constexpr uchar criticalUrgency = 2;
 
+using Entry = ReminderSchedule::Entry;
+
+// One request per identifier: a later one replaces an earlier one in its place.
+std::vector<NotificationRequest> withoutRepeats(std::vector<NotificationRequest> requests) {
+    std::unordered_map<std::string_view, std::size_t> position;
+    position.reserve(requests.size());
+    std::vector<NotificationRequest> unique;
+    unique.reserve(requests.size());
+    for (NotificationRequest& request : requests) {
+        const auto [at, added] = position.emplace(request.identifier, unique.size());
+        if (added) {
+            unique.push_back(std::move(request));
+        } else {
+            unique[at->second] = std::move(request);
+        }
+    }
+    return unique;
+}
+
 } // namespace
 
 DesktopNotificationCenter::DesktopNotificationCenter(const QString& schedulePath,
@@ -35,7 +56,9 @@ DesktopNotificationCenter::DesktopNotificationCenter(const QString& schedulePath
     : QObject(parent)
     , m_schedule(schedulePath)
     , m_bus(bus)
-    , m_clock(clock) {}
+    , m_clock(clock) {
+    m_worker.setMaxThreadCount(1);
+}
 
 DesktopNotificationCenter::~DesktopNotificationCenter() {
     flush();
@@ -65,77 +88,125 @@ void DesktopNotificationCenter::requestAuthorization(AuthorizationReply reply) {
 
 void DesktopNotificationCenter::removeAllPendingRequests() {
     m_staged.emplace();
-    m_stagedIndex.clear();
-    scheduleFlush();
+    m_staged->replacesAll = true;
+    if (!m_handOverQueued) {
+        m_handOverQueued = true;
+        QTimer::singleShot(0, this, [this] { handOver(); });
+    }
 }
 
 void DesktopNotificationCenter::add(NotificationRequest request) {
     if (!m_staged) {
         m_staged.emplace();
-        m_stagedIndex.clear();
-        for (ReminderSchedule::Entry& entry : pendingEntries()) {
-            m_stagedIndex.emplace(entry.request.identifier, m_staged->size());
-            m_staged->push_back(std::move(entry.request));
-        }
     }
-    const auto [position, added] = m_stagedIndex.emplace(request.identifier, m_staged->size());
-    if (added) {
-        m_staged->push_back(std::move(request));
-    } else {
-        (*m_staged)[position->second] = std::move(request);
-    }
-    scheduleFlush();
-}
-
-void DesktopNotificationCenter::scheduleFlush() {
-    if (!m_flushQueued) {
-        m_flushQueued = true;
-        QTimer::singleShot(0, this, [this] { flush(); });
+    m_staged->requests.push_back(std::move(request));
+    if (!m_handOverQueued) {
+        m_handOverQueued = true;
+        QTimer::singleShot(0, this, [this] { handOver(); });
     }
 }
 
-void DesktopNotificationCenter::flush() {
-    m_flushQueued = false;
+void DesktopNotificationCenter::reserve(std::size_t count) {
+    if (!m_staged) {
+        m_staged.emplace();
+    }
+    m_staged->requests.reserve(m_staged->requests.size() + count);
+}
+
+void DesktopNotificationCenter::handOver() {
+    m_handOverQueued = false;
     if (!m_staged) {
         return;
     }
-    std::vector<NotificationRequest> staged = std::move(*m_staged);
+    // Shared, so that the worker's queue never copies tens of thousands of requests.
+    auto staged = std::make_shared<Staged>(std::move(*m_staged));
     m_staged.reset();
-    m_stagedIndex.clear();
+    enqueue([this, staged, now = m_clock.now()] { write(std::move(*staged), now); });
+}
 
+void DesktopNotificationCenter::enqueue(std::function<void()> work) {
+    m_worker.start(std::move(work));
+}
+
+void DesktopNotificationCenter::flush() {
+    handOver();
+    m_worker.waitForDone();
+}
+
+void DesktopNotificationCenter::write(Staged staged, Instant now) const {
     const ReminderSchedule::Lock lock = m_schedule.lock();
+    const std::vector<Entry> old = m_schedule.load();
+    std::vector<NotificationRequest> requests = withoutRepeats(std::move(staged.requests));
+
     // Shown requests stay (the timer's command may have shown some since this process last
     // looked), so that one rebuilt within its own minute is not shown a second time.
-    const Instant oldest = m_clock.now() - deliveredKept;
-    std::vector<ReminderSchedule::Entry> entries;
-    for (ReminderSchedule::Entry& entry : m_schedule.load()) {
-        if (entry.delivered && entry.request.dueMinute >= oldest) {
-            entries.push_back(std::move(entry));
+    const Instant oldest = now - deliveredKept;
+    std::vector<Entry> entries;
+    entries.reserve(old.size() + requests.size());
+    std::set<std::pair<std::string_view, Instant>> shown;
+    std::set<std::string_view> added;
+    if (!staged.replacesAll) {
+        for (const NotificationRequest& request : requests) {
+            added.insert(request.identifier);
         }
     }
-    std::unordered_set<std::string> shown;
-    for (const ReminderSchedule::Entry& entry : entries) {
-        shown.insert(entry.request.identifier + '@' +
-                     std::to_string(entry.request.dueMinute.time_since_epoch().count()));
+    for (const Entry& entry : old) {
+        if (entry.delivered ? entry.request.dueMinute >= oldest
+                            : !staged.replacesAll && !added.contains(entry.request.identifier)) {
+            entries.push_back(entry);
+        }
     }
-    for (NotificationRequest& request : staged) {
-        if (!shown.contains(request.identifier + '@' +
-                            std::to_string(request.dueMinute.time_since_epoch().count()))) {
+    for (const Entry& entry : entries) {
+        if (entry.delivered) {
+            shown.emplace(entry.request.identifier, entry.request.dueMinute);
+        }
+    }
+    for (NotificationRequest& request : requests) {
+        if (shown.empty() || !shown.contains({request.identifier, request.dueMinute})) {
             entries.push_back({std::move(request), false, std::nullopt});
         }
     }
-    m_schedule.save(entries);
+    ReminderSchedule::putInFileOrder(entries);
+    // A program started again on an unchanged vault rebuilds exactly what the file holds.
+    if (entries != old) {
+        m_schedule.save(std::move(entries));
+    }
 }
 
 bool DesktopNotificationCenter::deliverDue(Instant now) {
     flush();
-    const ReminderSchedule::Lock lock = m_schedule.lock();
-    std::vector<ReminderSchedule::Entry> entries = m_schedule.load();
-    bool changed = false;
     bool complete = true;
-    for (ReminderSchedule::Entry& entry : entries) {
-        if (entry.delivered || entry.request.dueMinute > now) {
+    remember(deliver(now, complete));
+    return complete;
+}
+
+void DesktopNotificationCenter::deliverDueInBackground(Instant now) {
+    handOver();
+    enqueue([this, now] {
+        bool complete = true;
+        Shown shown = deliver(now, complete);
+        if (!shown.empty()) {
+            QMetaObject::invokeMethod(
+                this, [this, shown = std::move(shown)] { remember(shown); }, Qt::QueuedConnection);
+        }
+    });
+}
+
+DesktopNotificationCenter::Shown DesktopNotificationCenter::deliver(Instant now,
+                                                                    bool& complete) const {
+    const ReminderSchedule::Lock lock = m_schedule.lock();
+    // Almost every minute nothing is due: the file's head says so.
+    if (const std::optional<Instant> next = m_schedule.nextDue(); !next || *next > now) {
+        return {};
+    }
+    std::vector<Entry> entries = m_schedule.load();
+    Shown shown;
+    for (Entry& entry : entries) {
+        if (entry.delivered) {
             continue;
+        }
+        if (entry.request.dueMinute > now) {
+            break; // the rest fall due later still
         }
         QString error;
         const std::optional<std::uint32_t> id = notify(entry.request, error);
@@ -146,33 +217,38 @@ bool DesktopNotificationCenter::deliverDue(Instant now) {
         }
         entry.delivered = true;
         entry.notificationId = *id;
-        m_shown[*id] = entry.request.identifier;
-        changed = true;
+        shown.emplace_back(*id, entry.request.identifier);
     }
-    if (changed) {
-        m_schedule.save(entries);
+    if (!shown.empty()) {
+        const Instant oldest = now - deliveredKept;
+        std::erase_if(entries, [oldest](const Entry& entry) {
+            return entry.delivered && entry.request.dueMinute < oldest;
+        });
+        m_schedule.save(std::move(entries));
     }
-    return complete;
+    return shown;
+}
+
+void DesktopNotificationCenter::remember(const Shown& shown) {
+    for (const auto& [id, identifier] : shown) {
+        m_shown[id] = identifier;
+    }
 }
 
 std::vector<NotificationRequest> DesktopNotificationCenter::pendingRequests() {
     flush();
+    const ReminderSchedule::Lock lock = m_schedule.lock();
     std::vector<NotificationRequest> requests;
-    for (ReminderSchedule::Entry& entry : pendingEntries()) {
-        requests.push_back(std::move(entry.request));
+    for (Entry& entry : m_schedule.load()) {
+        if (!entry.delivered) {
+            requests.push_back(std::move(entry.request));
+        }
     }
     return requests;
 }
 
-std::vector<ReminderSchedule::Entry> DesktopNotificationCenter::pendingEntries() {
-    const ReminderSchedule::Lock lock = m_schedule.lock();
-    std::vector<ReminderSchedule::Entry> entries = m_schedule.load();
-    std::erase_if(entries, [](const ReminderSchedule::Entry& entry) { return entry.delivered; });
-    return entries;
-}
-
 std::optional<std::uint32_t> DesktopNotificationCenter::notify(const NotificationRequest& request,
-                                                               QString& error) {
+                                                               QString& error) const {
     const bool critical =
         request.interruptionLevel == NotificationRequest::InterruptionLevel::timeSensitive;
     const QVariantMap hints{
@@ -190,8 +266,9 @@ std::optional<std::uint32_t> DesktopNotificationCenter::notify(const Notificatio
     call << QStringLiteral("Vorlane") << 0U << QStringLiteral(VORLANE_APP_ID)
          << QString::fromStdString(request.title) << QString::fromStdString(request.body)
          << QStringList{QStringLiteral("default"), QStringLiteral("Open")} << hints << -1;
-    const QDBusMessage reply =
-        m_bus.call(call, QDBus::Block, static_cast<int>(callTimeout.count()));
+    // QDBusConnection may be called from any thread: the worker blocks here, not the window.
+    QDBusConnection bus = m_bus;
+    const QDBusMessage reply = bus.call(call, QDBus::Block, static_cast<int>(callTimeout.count()));
     if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().size() != 1) {
         error = reply.type() == QDBusMessage::ErrorMessage ? reply.errorMessage()
                                                            : QStringLiteral("no reply");
@@ -214,13 +291,27 @@ void DesktopNotificationCenter::onActionInvoked(uint notificationId, const QStri
         return;
     }
     // Shown by the timer's command, which has left: the schedule remembers the id it was given.
-    const ReminderSchedule::Lock lock = m_schedule.lock();
-    for (const ReminderSchedule::Entry& entry : m_schedule.load()) {
-        if (entry.delivered && entry.notificationId == notificationId) {
-            Q_EMIT activated(QString::fromStdString(entry.request.identifier));
-            return;
+    // Looked up on the worker, which may be writing the file just now.
+    enqueue([this, notificationId] {
+        std::optional<std::string> identifier;
+        {
+            const ReminderSchedule::Lock lock = m_schedule.lock();
+            for (Entry& entry : m_schedule.load()) {
+                if (entry.delivered && entry.notificationId == notificationId) {
+                    identifier = std::move(entry.request.identifier);
+                    break;
+                }
+            }
         }
-    }
+        if (identifier) {
+            QMetaObject::invokeMethod(
+                this,
+                [this, clicked = QString::fromStdString(*identifier)] {
+                    Q_EMIT activated(clicked);
+                },
+                Qt::QueuedConnection);
+        }
+    });
 }
 
 } // namespace vorlane

@@ -5,13 +5,15 @@
 
 #include <QDBusConnection>
 #include <QObject>
+#include <QThreadPool>
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
-#include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace vorlane {
@@ -19,17 +21,21 @@ namespace vorlane {
 class Clock;
 
 // The notification centre of a Linux desktop. The desktop has no scheduled notifications, so the
-// pending requests live in a ReminderSchedule file beside the vault, and `deliverDue` shows the
-// ones whose minute has come as freedesktop notifications (org.freedesktop.Notifications on the
-// session bus): the running program calls it every minute, and `vorlane
-// --deliver-due-notifications`, run by a systemd user timer, calls it while the program is
-// closed. A request is marked delivered under the schedule's lock in the same step that shows it,
-// so the two never show one reminder twice.
+// pending requests live in a ReminderSchedule file beside the vault, and delivery shows the ones
+// whose minute has come as freedesktop notifications (org.freedesktop.Notifications on the
+// session bus): the running program delivers every minute, and `vorlane
+// --deliver-due-notifications`, run by a systemd user timer, while the program is closed. A
+// request is marked delivered under the schedule's lock in the same step that shows it, so the two
+// never show one reminder twice.
 //
 // "Permission" is whether a notification service answers on the bus: there is nothing to grant.
-// Removing and adding requests changes a copy in memory that is written once, when the main loop
-// next runs (or at `flush`, `deliverDue`, or destruction), so rebuilding a schedule of thousands of
-// requests writes the file once. Main thread.
+// Removing and adding requests only collects them in memory; when the main loop next runs (or at
+// `flush`, a delivery, or destruction) the collected list goes to this centre's worker, one
+// thread that runs the file's work in the order it was asked for: merging with what was already
+// shown, writing the file (not at all when it already holds that list), and the program's
+// deliveries. So a rebuild of tens of thousands of requests costs the main thread only their
+// building. Main thread, apart from the worker inside; the destructor waits for the worker, so
+// the schedule is written even when the program quits right after a rebuild.
 class DesktopNotificationCenter final : public QObject, public NotificationCenter {
     Q_OBJECT
 
@@ -41,21 +47,25 @@ public:
 
     DesktopNotificationCenter(const QString& schedulePath, const QDBusConnection& bus,
                               const Clock& clock, QObject* parent = nullptr);
-    // Writes a schedule still held in memory.
+    // Hands over what is still collected and waits until the worker has written it.
     ~DesktopNotificationCenter() override;
 
     // Replies on the main loop: granted when the notification service answers, else the error.
     void requestAuthorization(AuthorizationReply reply) override;
     void removeAllPendingRequests() override;
     void add(NotificationRequest request) override;
+    void reserve(std::size_t count) override;
 
-    // Writes the schedule now if it was changed.
+    // Hands over what is collected and waits until the worker has done everything asked of it.
     void flush();
-    // Shows, in schedule order, every request not yet shown whose minute is at or before `now`,
-    // and marks each shown. Stops at the first that the notification service does not take (the
-    // rest stay pending for the next try) and returns false then; true otherwise.
+    // Shows, in the order they fall due, every request not yet shown whose minute is at or before
+    // `now`, and marks each shown. Stops at the first that the notification service does not take
+    // (the rest stay pending for the next try) and returns false then; true otherwise. Waits for
+    // the worker first, then works on the calling thread: for the timer's command and tests.
     bool deliverDue(Instant now);
-    // What is still to be shown, in schedule order.
+    // The same on the worker, for the running program's minute tick; returns at once.
+    void deliverDueInBackground(Instant now);
+    // What is still to be shown, in the order it falls due.
     std::vector<NotificationRequest> pendingRequests();
 
     // Listens for clicks on the notifications this centre (or the timer's command) showed and
@@ -70,20 +80,34 @@ private Q_SLOTS:
     void onActionInvoked(uint notificationId, const QString& action);
 
 private:
-    std::optional<std::uint32_t> notify(const NotificationRequest& request, QString& error);
-    std::vector<ReminderSchedule::Entry> pendingEntries();
-    void scheduleFlush();
+    // What removing and adding collected since the last hand-over. `replacesAll` after a removal;
+    // otherwise the requests go over those already in the file.
+    struct Staged {
+        bool replacesAll = false;
+        std::vector<NotificationRequest> requests;
+    };
+    // Notifications shown by one delivery: the service's id and the request's identifier.
+    using Shown = std::vector<std::pair<std::uint32_t, std::string>>;
+
+    void handOver();
+    void enqueue(std::function<void()> work);
+    // Worker (or a caller that waited for it): the file's part of a rebuild.
+    void write(Staged staged, Instant now) const;
+    // Any thread, the lock not held; `complete` false when a request was refused.
+    Shown deliver(Instant now, bool& complete) const;
+    std::optional<std::uint32_t> notify(const NotificationRequest& request, QString& error) const;
+    void remember(const Shown& shown);
 
     ReminderSchedule m_schedule;
     QDBusConnection m_bus;
     const Clock& m_clock;
-    // The rebuilt list of pending requests, while it is not written yet, and where each
-    // identifier sits in it (a rebuild adds thousands: finding one must not walk the list).
-    std::optional<std::vector<NotificationRequest>> m_staged;
-    std::unordered_map<std::string, std::size_t> m_stagedIndex;
-    bool m_flushQueued = false;
+    std::optional<Staged> m_staged;
+    bool m_handOverQueued = false;
     // The notifications this process showed, by the id the service gave them.
     std::map<std::uint32_t, std::string> m_shown;
+    // One thread: the schedule's work runs in the order it was queued. Last, so that it is
+    // waited for before anything it uses goes.
+    QThreadPool m_worker;
 };
 
 } // namespace vorlane

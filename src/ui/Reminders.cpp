@@ -69,7 +69,8 @@ void Reminders::armDelivery() {
     m_deliveryTimer =
         m_context.timers.startOneShot(duration_cast<milliseconds>(next - now), [this] {
             m_deliveryTimer = 0;
-            m_center.deliverDue(m_context.calendar.now());
+            // On the centre's worker: the window never waits for the file or the bus.
+            m_center.deliverDueInBackground(m_context.calendar.now());
             armDelivery();
         });
 }

@@ -25,6 +25,7 @@
 #include <QTest>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <chrono>
@@ -252,32 +253,162 @@ TEST_F(ReminderTest, WithoutANotificationServiceThePermissionErrorIsLoggedAndRem
     EXPECT_EQ(server.shown().size(), 1U) << "late, but once";
 }
 
-TEST_F(ReminderTest, DamagedScheduleIsSetAsideAndRebuiltWithoutACrash) {
-    {
-        QFile file(schedulePath());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("{\"version\":1,\"requests\":[{\"identifier\":\"vorlane.warn.X\"");
-    }
-    EXPECT_TRUE(m_center.pendingRequests().empty());
-    QFile aside(schedulePath() + ".damaged");
-    ASSERT_TRUE(aside.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(aside.readAll().startsWith("{\"version\":1")) << "kept for a person to look at";
+QByteArray contentOf(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
 
-    service("acme.com", utc(2026, 3, 20, 18, 30));
-    schedule();
-    EXPECT_EQ(m_center.pendingRequests().size(), 2U);
-    // A field of the wrong kind is damage too, not a reminder due at the epoch.
-    QFile file(schedulePath());
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    QByteArray content = file.readAll();
-    file.close();
-    content.replace("\"due\":", "\"due\":\"soon\",\"was\":");
+void replaceContent(const QString& path, const QByteArray& content) {
+    QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
     file.write(content);
-    file.close();
+}
+
+ino_t inodeOf(const QString& path) {
+    struct stat status {};
+    return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_ino : 0;
+}
+
+TEST_F(ReminderTest, OldDamagedOrCutShortScheduleIsSetAsideAndTheNextRebuildRestoresIt) {
+    NotificationServerProcess server;
+    ASSERT_TRUE(server.ready());
+    service("acme.com", utc(2026, 3, 20, 18, 30));
+    const auto setAsideThenRebuilt = [&](const QByteArray& content, const char* what) {
+        SCOPED_TRACE(what);
+        replaceContent(schedulePath(), content);
+        // The minute tick finds it first: nothing shown, nothing crashes, the file goes aside.
+        EXPECT_TRUE(m_center.deliverDue(utc(2026, 3, 25, 12)));
+        EXPECT_TRUE(server.shown().empty());
+        EXPECT_FALSE(QFile::exists(schedulePath()));
+        EXPECT_EQ(contentOf(schedulePath() + ".damaged"), content) << "kept for a person to see";
+        EXPECT_EQ(QFile::permissions(schedulePath() + ".damaged") & QFileDevice::ReadOther,
+                  QFileDevice::Permissions());
+        EXPECT_TRUE(m_center.pendingRequests().empty());
+        schedule();
+        EXPECT_EQ(m_center.pendingRequests().size(), 2U);
+    };
+
+    schedule();
+    m_center.flush(); // the write happens on the centre's worker
+    const QByteArray good = contentOf(schedulePath());
+    ASSERT_FALSE(good.isEmpty());
+    EXPECT_EQ(QFile::permissions(schedulePath()), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                                      QFileDevice::ReadUser |
+                                                      QFileDevice::WriteUser);
+
+    // What an earlier release wrote.
+    setAsideThenRebuilt(R"({"version": 1, "requests": [{"identifier": "vorlane.warn.X.3d"}]})",
+                        "older version");
+    // A later release's file: the head is this format's, the version is not.
+    QByteArray later = good;
+    later[8] = static_cast<char>(ReminderSchedule::formatVersion + 1);
+    setAsideThenRebuilt(later, "later version");
+    // Cut short, as by a full disk: the head alone cannot tell, the length can.
+    setAsideThenRebuilt(good.left(good.size() - 7), "cut short");
+    // A length inside an entry that runs past the end of the file.
+    QByteArray wild = good;
+    const qsizetype text = wild.indexOf("vorlane.");
+    ASSERT_GT(text, 4);
+    wild[text - 1] = static_cast<char>(0x7f);
+    setAsideThenRebuilt(wild, "wild length");
+    setAsideThenRebuilt(QByteArray(), "empty");
+
+    // Restored in full: the warning arrives at its minute.
+    EXPECT_TRUE(m_center.deliverDue(utc(2026, 3, 17, 18, 30)));
+    EXPECT_EQ(server.shown().size(), 1U);
+}
+
+TEST_F(ReminderTest, RebuildOfAnUnchangedVaultLeavesTheFileAloneAndItsShownMarksStand) {
+    NotificationServerProcess server;
+    ASSERT_TRUE(server.ready());
+    // 14:30:40: rebuilt at 14:30:10 the day before, the critical reminder is still ahead.
+    ServiceRecord& site = service("acme.com", utc(2026, 3, 20, 18, 30) + seconds(40));
+    schedule();
+    m_center.flush();
+    const ino_t written = inodeOf(schedulePath());
+    ASSERT_NE(written, 0U);
+    schedule();
+    m_center.flush();
+    EXPECT_EQ(inodeOf(schedulePath()), written) << "the same list: not written again";
+
+    site.title = "acme.org";
+    schedule();
+    m_center.flush();
+    EXPECT_NE(inodeOf(schedulePath()), written);
+    EXPECT_EQ(m_center.pendingRequests().at(0).body,
+              "Your Domain Registrar \"acme.org\" for Acme expires in 3 days.");
+
+    // Shown within its own minute, then rebuilt in that minute: neither pending again nor shown
+    // twice, whether the file is rewritten or not.
+    m_clock.set(utc(2026, 3, 19, 18, 30) + seconds(10));
+    ASSERT_TRUE(m_center.deliverDue(m_clock.now()));
+    ASSERT_EQ(server.shown().size(), 2U);
+    schedule();
+    schedule();
     EXPECT_TRUE(m_center.pendingRequests().empty());
-    EXPECT_EQ(QFile::permissions(schedulePath() + ".damaged") & QFileDevice::ReadOther,
-              QFileDevice::Permissions());
+    EXPECT_TRUE(m_center.deliverDue(m_clock.now()));
+    EXPECT_EQ(server.shown().size(), 2U);
+}
+
+TEST_F(ReminderTest, QuittingRightAfterARebuildStillWritesTheWholeSchedule) {
+    constexpr int serviceCount = 3000;
+    for (int i = 0; i < serviceCount; ++i) {
+        service("site-" + std::to_string(i) + ".com", m_clock.now() + days(10) + minutes(i));
+    }
+    {
+        DesktopNotificationCenter center(schedulePath(), QDBusConnection::sessionBus(), m_clock);
+        NotificationManager manager(center, m_calendar);
+        std::vector<ServiceRecord*> list;
+        for (ServiceRecord& s : m_services) {
+            list.push_back(&s);
+        }
+        manager.scheduleExpirationNotifications(list);
+        // Gone before the main loop ever ran: the program quit at once.
+    }
+    const ReminderSchedule file(schedulePath());
+    const ReminderSchedule::Lock lock = file.lock();
+    const std::vector<ReminderSchedule::Entry> entries = file.load();
+    ASSERT_EQ(entries.size(), 2U * serviceCount);
+    std::set<std::string> identifiers;
+    for (const ReminderSchedule::Entry& entry : entries) {
+        EXPECT_FALSE(entry.delivered);
+        identifiers.insert(entry.request.identifier);
+    }
+    EXPECT_EQ(identifiers.size(), 2U * serviceCount);
+    EXPECT_EQ(file.nextDue(), entries.front().request.dueMinute);
+}
+
+TEST_F(ReminderTest, DueRemindersArriveInTheOrderTheyFellDueWhateverTheServiceOrder) {
+    NotificationServerProcess server;
+    ASSERT_TRUE(server.ready());
+    // Listed latest first; two fall due in the same minute and keep their list order.
+    service("third.com", utc(2026, 3, 20, 18, 32));
+    service("second-a.com", utc(2026, 3, 20, 18, 31) + seconds(30));
+    service("second-b.com", utc(2026, 3, 20, 18, 31));
+    service("first.com", utc(2026, 3, 20, 18, 30));
+    schedule();
+    std::vector<std::string> pendingOrder;
+    for (const NotificationRequest& request : m_center.pendingRequests()) {
+        pendingOrder.push_back(request.body);
+    }
+    ASSERT_EQ(pendingOrder.size(), 8U);
+    EXPECT_EQ(pendingOrder.front(),
+              "Your Domain Registrar \"first.com\" for Acme expires in 3 days.");
+    EXPECT_EQ(pendingOrder.back(), "Domain Registrar \"third.com\" for Acme expires tomorrow.");
+
+    // The computer slept through all the warnings: they come now, earliest first.
+    EXPECT_TRUE(m_center.deliverDue(utc(2026, 3, 18, 9)));
+    std::vector<QString> shown;
+    for (const QJsonObject& notification : server.shown()) {
+        shown.push_back(notification.value("body").toString());
+    }
+    EXPECT_EQ(shown, (std::vector<QString>{
+                         "Your Domain Registrar \"first.com\" for Acme expires in 3 days.",
+                         "Your Domain Registrar \"second-a.com\" for Acme expires in 3 days.",
+                         "Your Domain Registrar \"second-b.com\" for Acme expires in 3 days.",
+                         "Your Domain Registrar \"third.com\" for Acme expires in 3 days.",
+                     }));
+    EXPECT_EQ(m_center.pendingRequests().size(), 4U) << "the critical ones are still ahead";
 }
 
 TEST_F(ReminderTest, TimerCommandDeliversWhileClosedAndNeverTwiceAlongsideTheProgram) {
@@ -337,6 +468,54 @@ TEST_F(ReminderTest, TimerCommandDeliversWhileClosedAndNeverTwiceAlongsideThePro
         clicked.insert(arguments.at(0).toString());
     }
     EXPECT_EQ(clicked.size(), reminderCount);
+}
+
+TEST_F(ReminderTest, ProgramTickDuringARebuildsWriteAndTheTimerCommandShowEachReminderOnce) {
+    NotificationServerProcess server;
+    ASSERT_TRUE(server.ready());
+    // As in the test above: reminders due in the real past for the command's real clock.
+    constexpr std::size_t serviceCount = 400;
+    constexpr std::size_t reminderCount = 2 * serviceCount;
+    const SystemClock systemClock;
+    m_clock.set(systemClock.now() - days(10));
+    for (std::size_t i = 0; i < serviceCount; ++i) {
+        service("site-" + std::to_string(i) + ".com",
+                m_clock.now() + days(5) + minutes(static_cast<int>(i)));
+    }
+    schedule();
+    m_center.flush();
+    m_center.watchActivations();
+    QSignalSpy activated(&m_center, &DesktopNotificationCenter::activated);
+
+    // The window is shown again with one more service: the rebuild's write goes to the worker,
+    // the minute tick queues behind it, and the timer's command runs meanwhile.
+    service("later.com", m_clock.now() + days(20));
+    QProcess command;
+    command.start(QStringLiteral(VORLANE_APP), {QStringLiteral("--deliver-due-notifications"),
+                                                QStringLiteral("--vault"), vaultPath()});
+    schedule();
+    m_center.deliverDueInBackground(systemClock.now());
+    ASSERT_TRUE(command.waitForFinished(30000));
+    EXPECT_EQ(command.exitCode(), 0) << command.readAllStandardError().toStdString();
+    m_center.flush();
+
+    std::map<QString, int> arrivals;
+    for (const QJsonObject& shown : server.shown()) {
+        ++arrivals[shown.value("summary").toString() + shown.value("body").toString()];
+    }
+    EXPECT_EQ(arrivals.size(), reminderCount);
+    EXPECT_TRUE(std::ranges::all_of(arrivals, [](const auto& entry) { return entry.second == 1; }));
+    const std::vector<NotificationRequest> pending = m_center.pendingRequests();
+    ASSERT_EQ(pending.size(), 2U) << "only the new service's, still ahead";
+    EXPECT_EQ(pending[0].identifier, "vorlane.warn." + m_services.back().id.toString() + ".3d");
+    EXPECT_TRUE(m_center.deliverDue(systemClock.now()));
+    EXPECT_EQ(server.shown().size(), reminderCount) << "nothing lost to come back later";
+
+    // The last one shown, whoever showed it, opens its service when clicked.
+    const QJsonObject last = server.shown().back();
+    server.click(static_cast<uint>(last.value("id").toInt()));
+    ASSERT_TRUE(activated.wait(5000));
+    EXPECT_TRUE(activated.at(0).at(0).toString().startsWith("vorlane.critical."));
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "reminders/NotificationRequest.h"
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
@@ -26,6 +27,9 @@ public:
     // Keeps `request` until its minute; one with the same identifier is replaced. Failures are
     // the centre's own business: the caller never hears of them.
     virtual void add(NotificationRequest request) = 0;
+    // About `count` requests are about to be added: room for them at once (a rebuild adds
+    // tens of thousands). Only a hint.
+    virtual void reserve(std::size_t count) { (void)count; }
 };
 
 } // namespace vorlane
