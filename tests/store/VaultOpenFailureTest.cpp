@@ -96,6 +96,27 @@ TEST_F(VaultOpenFailureTest, RefusesADamagedVault) {
     makeVault();
     write(fileBytes(m_path).substr(0, 6000));
     expectRefused("is damaged");
+
+    // Damage that reading the records never meets: only an index page, which the check of every
+    // page (running beside the read) finds.
+    makeVault();
+    std::int64_t indexPage = 0;
+    {
+        SqliteConnection db = raw();
+        indexPage = db.queryInteger("SELECT rootpage FROM sqlite_master "
+                                    "WHERE name = 'services_by_organization'")
+                        .value_or(0);
+    }
+    ASSERT_GT(indexPage, 1);
+    bytes = fileBytes(m_path);
+    constexpr std::size_t pageSize = 4096;
+    const std::size_t pageStart = static_cast<std::size_t>(indexPage - 1) * pageSize;
+    ASSERT_LE(pageStart + pageSize, bytes.size());
+    for (std::size_t i = pageStart + 100; i < pageStart + pageSize; ++i) {
+        bytes[i] = static_cast<char>(i * 13);
+    }
+    write(bytes);
+    expectRefused("is damaged");
 }
 
 TEST_F(VaultOpenFailureTest, RefusesWhatCannotBeRead) {

@@ -39,7 +39,7 @@ Result<std::unique_ptr<DataStore>, std::string> DataStore::open(const std::strin
     }
     std::unique_ptr<DataStore> store(new DataStore(std::move(*file), keychain, calendar, timers));
     if (!store->m_file.load(store->m_context, error)) {
-        return path + " is damaged: " + error;
+        return error;
     }
     return store;
 }

@@ -487,37 +487,39 @@ std::optional<std::string> checkHeader(const std::string& path) {
     return std::nullopt;
 }
 
-// Judges the vault through a read-only connection: a refused file must not be touched, not even
-// by the checkpoint a writable connection runs when it closes. Reading a WAL-mode file makes
-// SQLite create its -wal and -shm companions; when they were not there before and the log is
-// still empty, they are removed again so that a refused file leaves nothing behind.
-std::optional<std::string> checkContent(const std::string& path) {
+bool hasCompanions(const std::string& path) {
+    return ::access((path + "-wal").c_str(), F_OK) == 0 ||
+           ::access((path + "-shm").c_str(), F_OK) == 0;
+}
+
+// Reading a WAL-mode file makes SQLite create its -wal and -shm companions. A refused file must
+// be left as it was found: when they were not there before and the log is still empty, they go.
+void removeNewCompanions(const std::string& path, bool hadCompanions) {
     const std::string wal = path + "-wal";
-    const std::string shm = path + "-shm";
-    const bool hadCompanions = ::access(wal.c_str(), F_OK) == 0 || ::access(shm.c_str(), F_OK) == 0;
-    std::optional<std::string> problem;
-    {
-        std::string error;
-        auto reader = SqliteConnection::open(path, SqliteConnection::Mode::readOnly, error);
-        if (!reader) {
-            problem = "cannot read " + path + ": " + error;
-        } else if (auto reason = VaultSchema::check(*reader)) {
-            problem = path + " " + *reason;
-        }
-    }
     struct stat log {};
-    if (problem && !hadCompanions && ::stat(wal.c_str(), &log) == 0 && log.st_size == 0) {
+    if (!hadCompanions && ::stat(wal.c_str(), &log) == 0 && log.st_size == 0) {
         ::unlink(wal.c_str());
-        ::unlink(shm.c_str());
+        ::unlink((path + "-shm").c_str());
     }
-    return problem;
 }
 
 } // namespace
 
-VaultFile::VaultFile(std::string path, SqliteConnection connection)
+VaultFile::VaultFile(std::string path, SqliteConnection reader, bool hadCompanions)
     : m_path(std::move(path))
-    , m_connection(std::move(connection)) {}
+    , m_reader(std::move(reader))
+    , m_hadCompanions(hadCompanions) {
+    // Every page is read and checked, which is a good part of opening a large vault: it runs on
+    // another core while `load` reads the records.
+    m_pageCheck = std::async(std::launch::async, [path = m_path]() -> std::optional<std::string> {
+        std::string error;
+        auto checker = SqliteConnection::open(path, SqliteConnection::Mode::readOnly, error);
+        if (!checker) {
+            return error;
+        }
+        return VaultSchema::checkPages(*checker);
+    });
+}
 
 std::optional<VaultFile> VaultFile::open(const std::string& path, std::string& error) {
     struct stat info {};
@@ -534,41 +536,72 @@ std::optional<VaultFile> VaultFile::open(const std::string& path, std::string& e
         error = *problem;
         return std::nullopt;
     }
-    if (auto problem = checkContent(path)) {
-        error = *problem;
+    // Judged through read-only connections: a refused file must not be touched, not even by the
+    // checkpoint a writable connection runs when it closes.
+    const bool hadCompanions = hasCompanions(path);
+    auto reader = SqliteConnection::open(path, SqliteConnection::Mode::readOnly, error);
+    if (!reader) {
+        error = "cannot read " + path + ": " + error;
         return std::nullopt;
     }
-    auto connection = SqliteConnection::open(path, SqliteConnection::Mode::readWrite, error);
-    if (!connection) {
-        error = "cannot open " + path + ": " + error;
+    if (auto problem = VaultSchema::check(*reader)) {
+        error = path + " " + *problem;
+        reader.reset();
+        removeNewCompanions(path, hadCompanions);
         return std::nullopt;
     }
-    if (connection->isReadOnly()) {
-        error = path + " is read-only; Vorlane needs to write to its vault";
-        return std::nullopt;
-    }
-    if (connection->queryText("PRAGMA journal_mode = WAL") != "wal" ||
-        !connection->execute("PRAGMA synchronous = FULL; PRAGMA foreign_keys = ON")) {
-        error = "cannot prepare " + path + ": " + connection->lastError();
-        return std::nullopt;
-    }
-    // Tighten a vault that was copied in with looser permissions.
-    if (::stat(path.c_str(), &info) == 0 && (info.st_mode & 077) != 0) {
-        ::chmod(path.c_str(), 0600);
-    }
-    return VaultFile(path, std::move(*connection));
+    return VaultFile(path, std::move(*reader), hadCompanions);
 }
 
 bool VaultFile::load(VaultContext& context, std::string& error) {
+    std::string readError;
+    const bool read = readRecords(context, readError);
+    const std::optional<std::string> damage = m_pageCheck.get();
+    m_reader.reset();
+    if (damage || !read) {
+        // What the page check found says more than the first row that failed to read.
+        error = m_path + " is damaged: " + (damage ? *damage : readError);
+        removeNewCompanions(m_path, m_hadCompanions);
+        return false;
+    }
+    return openForWriting(error);
+}
+
+bool VaultFile::openForWriting(std::string& error) {
+    auto connection = SqliteConnection::open(m_path, SqliteConnection::Mode::readWrite, error);
+    if (!connection) {
+        error = "cannot open " + m_path + ": " + error;
+        return false;
+    }
+    if (connection->isReadOnly()) {
+        error = m_path + " is read-only; Vorlane needs to write to its vault";
+        return false;
+    }
+    if (connection->queryText("PRAGMA journal_mode = WAL") != "wal" ||
+        !connection->execute("PRAGMA synchronous = FULL; PRAGMA foreign_keys = ON")) {
+        error = "cannot prepare " + m_path + ": " + connection->lastError();
+        return false;
+    }
+    // Tighten a vault that was copied in with looser permissions.
+    struct stat info {};
+    if (::stat(m_path.c_str(), &info) == 0 && (info.st_mode & 077) != 0) {
+        ::chmod(m_path.c_str(), 0600);
+    }
+    m_connection.emplace(std::move(*connection));
+    return true;
+}
+
+bool VaultFile::readRecords(VaultContext& context, std::string& error) {
+    SqliteConnection& reader = *m_reader;
     // One read transaction: the three tables come from the same committed state.
-    if (!m_connection.execute("BEGIN")) {
-        error = m_connection.lastError();
+    if (!reader.execute("BEGIN")) {
+        error = reader.lastError();
         return false;
     }
     const auto readTable = [&](std::string_view table, const std::string& sql, auto&& adopt) {
-        auto statement = m_connection.prepare(sql);
+        auto statement = reader.prepare(sql);
         if (!statement) {
-            error = m_connection.lastError();
+            error = reader.lastError();
             return false;
         }
         Step step;
@@ -581,14 +614,14 @@ bool VaultFile::load(VaultContext& context, std::string& error) {
             }
         }
         if (step == Step::error) {
-            error = m_connection.lastError();
+            error = reader.lastError();
             return false;
         }
         return true;
     };
     const auto rowCount = [&](const char* sql) {
         return static_cast<std::size_t>(
-            std::max<std::int64_t>(0, m_connection.queryInteger(sql).value_or(0)));
+            std::max<std::int64_t>(0, reader.queryInteger(sql).value_or(0)));
     };
     context.reserve(rowCount("SELECT COUNT(*) FROM organizations"),
                     rowCount("SELECT COUNT(*) FROM services"));
@@ -619,17 +652,17 @@ bool VaultFile::load(VaultContext& context, std::string& error) {
                                           context.insert(std::move(share), owner, false);
                                       }
                                   });
-    m_connection.execute("COMMIT");
+    reader.execute("COMMIT");
     return loaded;
 }
 
 bool VaultFile::write(const VaultContext::Changes& changes, std::string& error) {
-    if (!m_connection.execute("BEGIN IMMEDIATE")) {
-        error = m_connection.lastError();
+    if (!m_connection->execute("BEGIN IMMEDIATE")) {
+        error = m_connection->lastError();
         return false;
     }
     const auto run = [&](std::string_view sql, const auto& items, auto&& bind) {
-        auto statement = m_connection.prepare(sql);
+        auto statement = m_connection->prepare(sql);
         if (!statement) {
             return false;
         }
@@ -674,17 +707,17 @@ bool VaultFile::write(const VaultContext::Changes& changes, std::string& error) 
             [](SqliteStatement& s, const ServiceRecord* r) { bindService(s, *r); }) &&
         run(upsertSql("shares", shareColumns), changes.shares,
             [](SqliteStatement& s, const ShareRecord* r) { bindShare(s, *r); }) &&
-        m_connection.execute("COMMIT");
+        m_connection->execute("COMMIT");
     if (!written) {
-        error = m_connection.lastError();
-        m_connection.execute("ROLLBACK");
+        error = m_connection->lastError();
+        m_connection->execute("ROLLBACK");
     }
     return written;
 }
 
 std::optional<std::vector<std::uint8_t>> VaultFile::readLogo(const Uuid& organizationId) {
     auto statement =
-        m_connection.prepare("SELECT data FROM organization_logos WHERE organizationId = ?");
+        m_connection->prepare("SELECT data FROM organization_logos WHERE organizationId = ?");
     if (!statement) {
         return std::nullopt;
     }

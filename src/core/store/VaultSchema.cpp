@@ -140,10 +140,16 @@ std::optional<std::string> VaultSchema::check(SqliteConnection& connection) {
     if (*found < *ours) {
         return "has schema " + *stored + ", which this version cannot read";
     }
-    // Reads every page, so a damaged file is refused here rather than half loaded.
+    return std::nullopt;
+}
+
+std::optional<std::string> VaultSchema::checkPages(SqliteConnection& connection) {
     const std::optional<std::string> integrity = connection.queryText("PRAGMA quick_check");
-    if (!integrity || *integrity != "ok") {
-        return "is damaged: " + (integrity ? *integrity : connection.lastError());
+    if (!integrity) {
+        return connection.lastError();
+    }
+    if (*integrity != "ok") {
+        return integrity;
     }
     return std::nullopt;
 }

@@ -23,8 +23,12 @@ public:
     static bool create(SqliteConnection& connection);
 
     // Nothing when the opened file is a vault this program can use; otherwise the reason, in
-    // words for the user ("not a Vorlane vault", "written by a newer version ..."). Only reads.
+    // words for the user ("not a Vorlane vault", "written by a newer version ..."). Only reads,
+    // and only the few pages that say what the file is: see `checkPages` for the rest.
     static std::optional<std::string> check(SqliteConnection& connection);
+    // Reads every page of the file and checks its structure: nothing when it is sound, otherwise
+    // what SQLite found wrong. Takes a while on a large vault; only reads.
+    static std::optional<std::string> checkPages(SqliteConnection& connection);
 };
 
 } // namespace vorlane
