@@ -1,5 +1,7 @@
 #include "store/ServiceSlots.h"
 
+#include "util/HugePages.h"
+
 #include <sys/mman.h>
 
 #include <algorithm>
@@ -28,7 +30,7 @@ ServiceRecord* ServiceSlots::allocateChunk(bool hugePages) {
     }
     void* chunk = reinterpret_cast<void*>(aligned);
     if (hugePages) {
-        ::madvise(chunk, chunkBytes, MADV_HUGEPAGE); // a hint: without it, ordinary pages
+        HugePages::advise(chunk, chunkBytes);
     }
     return static_cast<ServiceRecord*>(chunk);
 }

@@ -2,6 +2,7 @@
 
 #include "store/LocalizedOrder.h"
 #include "store/SearchText.h"
+#include "util/HugePages.h"
 
 #include <algorithm>
 #include <cassert>
@@ -121,6 +122,7 @@ void VaultContext::reserve(std::size_t organizations, std::size_t services) {
     m_titleOrder.reserve(services);
     m_expirationOrder.reserve(services);
     m_strings.reserve(services * stringBytesPerService);
+    HugePages::advise(m_strings.data(), m_strings.capacity());
 }
 
 void VaultContext::remove(Organization& organization) {

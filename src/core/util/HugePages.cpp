@@ -1,0 +1,50 @@
+#include "util/HugePages.h"
+
+#include <malloc.h>
+#include <sys/mman.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <vector>
+
+namespace vorlane {
+
+void HugePages::advise(void* data, std::size_t bytes) {
+    const auto start = reinterpret_cast<std::uintptr_t>(data);
+    const std::uintptr_t first = (start + size - 1) & ~(size - 1);
+    const std::uintptr_t end = (start + bytes) & ~(size - 1);
+    if (end > first) {
+        ::madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
+    }
+}
+
+void HugePages::prepareHeap(std::size_t bytes) {
+    if (bytes < 2 * size) {
+        return;
+    }
+    // The heap is grown in pieces that malloc serves from the heap itself: below the mmap
+    // threshold (raised to glibc's largest), since a piece mapped on its own would go back to
+    // the system when freed, advice and all. The trim threshold keeps the freed pieces in the
+    // heap, where the allocations that follow find them.
+    constexpr std::size_t piece = std::size_t{16} << 20;
+    constexpr int largestMmapThreshold = 32 << 20;
+    ::mallopt(M_MMAP_THRESHOLD, largestMmapThreshold);
+    ::mallopt(M_TRIM_THRESHOLD,
+              static_cast<int>(std::min<std::size_t>(2 * bytes + piece, 1u << 30)));
+    std::vector<void*> pieces;
+    for (std::size_t held = 0; held < bytes; held += piece) {
+        void* grown = std::malloc(piece);
+        if (grown == nullptr) {
+            break;
+        }
+        advise(grown, piece);
+        pieces.push_back(grown);
+    }
+    // Newest first: each freed piece joins the free space at the top of the heap.
+    for (auto it = pieces.rbegin(); it != pieces.rend(); ++it) {
+        std::free(*it);
+    }
+}
+
+} // namespace vorlane
