@@ -4,7 +4,6 @@
 
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
-#include <QTimer>
 #include <QVariantMap>
 
 #include <iostream>
@@ -86,42 +85,8 @@ void DesktopNotificationCenter::requestAuthorization(AuthorizationReply reply) {
             });
 }
 
-void DesktopNotificationCenter::removeAllPendingRequests() {
-    m_staged.emplace();
-    m_staged->replacesAll = true;
-    if (!m_handOverQueued) {
-        m_handOverQueued = true;
-        QTimer::singleShot(0, this, [this] { handOver(); });
-    }
-}
-
-void DesktopNotificationCenter::add(NotificationRequest request) {
-    if (!m_staged) {
-        m_staged.emplace();
-    }
-    m_staged->requests.push_back(std::move(request));
-    if (!m_handOverQueued) {
-        m_handOverQueued = true;
-        QTimer::singleShot(0, this, [this] { handOver(); });
-    }
-}
-
-void DesktopNotificationCenter::reserve(std::size_t count) {
-    if (!m_staged) {
-        m_staged.emplace();
-    }
-    m_staged->requests.reserve(m_staged->requests.size() + count);
-}
-
-void DesktopNotificationCenter::handOver() {
-    m_handOverQueued = false;
-    if (!m_staged) {
-        return;
-    }
-    // Shared, so that the worker's queue never copies tens of thousands of requests.
-    auto staged = std::make_shared<Staged>(std::move(*m_staged));
-    m_staged.reset();
-    enqueue([this, staged, now = m_clock.now()] { write(std::move(*staged), now); });
+void DesktopNotificationCenter::replaceAllPendingRequests(RequestBuilder build) {
+    enqueue([this, build = std::move(build), now = m_clock.now()] { write(build(), now); });
 }
 
 void DesktopNotificationCenter::enqueue(std::function<void()> work) {
@@ -129,14 +94,13 @@ void DesktopNotificationCenter::enqueue(std::function<void()> work) {
 }
 
 void DesktopNotificationCenter::flush() {
-    handOver();
     m_worker.waitForDone();
 }
 
-void DesktopNotificationCenter::write(Staged staged, Instant now) const {
+void DesktopNotificationCenter::write(std::vector<NotificationRequest> built, Instant now) const {
+    std::vector<NotificationRequest> requests = withoutRepeats(std::move(built));
     const ReminderSchedule::Lock lock = m_schedule.lock();
     const std::vector<Entry> old = m_schedule.load();
-    std::vector<NotificationRequest> requests = withoutRepeats(std::move(staged.requests));
 
     // Shown requests stay (the timer's command may have shown some since this process last
     // looked), so that one rebuilt within its own minute is not shown a second time.
@@ -144,20 +108,9 @@ void DesktopNotificationCenter::write(Staged staged, Instant now) const {
     std::vector<Entry> entries;
     entries.reserve(old.size() + requests.size());
     std::set<std::pair<std::string_view, Instant>> shown;
-    std::set<std::string_view> added;
-    if (!staged.replacesAll) {
-        for (const NotificationRequest& request : requests) {
-            added.insert(request.identifier);
-        }
-    }
     for (const Entry& entry : old) {
-        if (entry.delivered ? entry.request.dueMinute >= oldest
-                            : !staged.replacesAll && !added.contains(entry.request.identifier)) {
+        if (entry.delivered && entry.request.dueMinute >= oldest) {
             entries.push_back(entry);
-        }
-    }
-    for (const Entry& entry : entries) {
-        if (entry.delivered) {
             shown.emplace(entry.request.identifier, entry.request.dueMinute);
         }
     }
@@ -174,14 +127,13 @@ void DesktopNotificationCenter::write(Staged staged, Instant now) const {
 }
 
 bool DesktopNotificationCenter::deliverDue(Instant now) {
-    flush();
+    m_worker.waitForDone();
     bool complete = true;
     remember(deliver(now, complete));
     return complete;
 }
 
 void DesktopNotificationCenter::deliverDueInBackground(Instant now) {
-    handOver();
     enqueue([this, now] {
         bool complete = true;
         Shown shown = deliver(now, complete);

@@ -29,13 +29,12 @@ class Clock;
 // never show one reminder twice.
 //
 // "Permission" is whether a notification service answers on the bus: there is nothing to grant.
-// Removing and adding requests only collects them in memory; when the main loop next runs (or at
-// `flush`, a delivery, or destruction) the collected list goes to this centre's worker, one
-// thread that runs the file's work in the order it was asked for: merging with what was already
-// shown, writing the file (not at all when it already holds that list), and the program's
-// deliveries. So a rebuild of tens of thousands of requests costs the main thread only their
-// building. Main thread, apart from the worker inside; the destructor waits for the worker, so
-// the schedule is written even when the program quits right after a rebuild.
+// The file's work runs on this centre's worker, one thread that does it in the order it was asked
+// for: building a replacement list of requests, merging it with what was already shown, writing
+// the file (not at all when it already holds that list), and the program's deliveries. So a
+// rebuild of tens of thousands of requests costs the main thread next to nothing. Main thread,
+// apart from the worker inside; the destructor waits for the worker, so the schedule is written
+// even when the program quits right after a rebuild.
 class DesktopNotificationCenter final : public QObject, public NotificationCenter {
     Q_OBJECT
 
@@ -47,16 +46,15 @@ public:
 
     DesktopNotificationCenter(const QString& schedulePath, const QDBusConnection& bus,
                               const Clock& clock, QObject* parent = nullptr);
-    // Hands over what is still collected and waits until the worker has written it.
+    // Waits until the worker has done everything asked of it.
     ~DesktopNotificationCenter() override;
 
     // Replies on the main loop: granted when the notification service answers, else the error.
     void requestAuthorization(AuthorizationReply reply) override;
-    void removeAllPendingRequests() override;
-    void add(NotificationRequest request) override;
-    void reserve(std::size_t count) override;
+    // `build` runs on the worker.
+    void replaceAllPendingRequests(RequestBuilder build) override;
 
-    // Hands over what is collected and waits until the worker has done everything asked of it.
+    // Waits until the worker has done everything asked of it.
     void flush();
     // Shows, in the order they fall due, every request not yet shown whose minute is at or before
     // `now`, and marks each shown. Stops at the first that the notification service does not take
@@ -80,19 +78,12 @@ private Q_SLOTS:
     void onActionInvoked(uint notificationId, const QString& action);
 
 private:
-    // What removing and adding collected since the last hand-over. `replacesAll` after a removal;
-    // otherwise the requests go over those already in the file.
-    struct Staged {
-        bool replacesAll = false;
-        std::vector<NotificationRequest> requests;
-    };
     // Notifications shown by one delivery: the service's id and the request's identifier.
     using Shown = std::vector<std::pair<std::uint32_t, std::string>>;
 
-    void handOver();
     void enqueue(std::function<void()> work);
     // Worker (or a caller that waited for it): the file's part of a rebuild.
-    void write(Staged staged, Instant now) const;
+    void write(std::vector<NotificationRequest> requests, Instant now) const;
     // Any thread, the lock not held; `complete` false when a request was refused.
     Shown deliver(Instant now, bool& complete) const;
     std::optional<std::uint32_t> notify(const NotificationRequest& request, QString& error) const;
@@ -101,8 +92,6 @@ private:
     ReminderSchedule m_schedule;
     QDBusConnection m_bus;
     const Clock& m_clock;
-    std::optional<Staged> m_staged;
-    bool m_handOverQueued = false;
     // The notifications this process showed, by the id the service gave them.
     std::map<std::uint32_t, std::string> m_shown;
     // One thread: the schedule's work runs in the order it was queued. Last, so that it is

@@ -378,6 +378,27 @@ TEST_F(ReminderTest, QuittingRightAfterARebuildStillWritesTheWholeSchedule) {
     EXPECT_EQ(file.nextDue(), entries.front().request.dueMinute);
 }
 
+TEST_F(ReminderTest, ServicesEditedOrDeletedWhileTheScheduleIsBuiltDoNotReachIt) {
+    constexpr int serviceCount = 2000;
+    for (int i = 0; i < serviceCount; ++i) {
+        service("site-" + std::to_string(i) + ".com", m_clock.now() + days(10) + minutes(i));
+    }
+    const std::string firstId = m_services.front().id.toString();
+    schedule();
+    // The requests are built on the centre's worker: what the window does meanwhile to the
+    // services and their organization must not reach them (nor crash them).
+    m_acme.name = "Renamed";
+    for (ServiceRecord& s : m_services) {
+        s.title = "edited";
+    }
+    m_services.clear();
+
+    const auto pending = pendingById();
+    ASSERT_EQ(pending.size(), 2U * serviceCount);
+    EXPECT_EQ(pending.at("vorlane.warn." + firstId + ".3d").body,
+              "Your Domain Registrar \"site-0.com\" for Acme expires in 3 days.");
+}
+
 TEST_F(ReminderTest, DueRemindersArriveInTheOrderTheyFellDueWhateverTheServiceOrder) {
     NotificationServerProcess server;
     ASSERT_TRUE(server.ready());

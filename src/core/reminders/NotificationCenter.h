@@ -2,10 +2,10 @@
 
 #include "reminders/NotificationRequest.h"
 
-#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace vorlane {
 
@@ -22,14 +22,14 @@ public:
     // Asks to show alerts with sound (and a badge where the desktop has one). The reply may come
     // later and on any thread.
     virtual void requestAuthorization(AuthorizationReply reply) = 0;
-    // Forgets every request of the program that has not been shown yet.
-    virtual void removeAllPendingRequests() = 0;
-    // Keeps `request` until its minute; one with the same identifier is replaced. Failures are
-    // the centre's own business: the caller never hears of them.
-    virtual void add(NotificationRequest request) = 0;
-    // About `count` requests are about to be added: room for them at once (a rebuild adds
-    // tens of thousands). Only a hint.
-    virtual void reserve(std::size_t count) { (void)count; }
+    // Makes the whole list of pending requests.
+    using RequestBuilder = std::function<std::vector<NotificationRequest>()>;
+    // Forgets every request of the program that has not been shown yet and keeps each that
+    // `build` makes until its minute (of two with one identifier, the later). A centre may call
+    // `build` later and on a thread of its own, so that building tens of thousands of requests
+    // never holds up the caller: it must use only what it owns and what is safe from any thread.
+    // Failures are the centre's own business: the caller never hears of them.
+    virtual void replaceAllPendingRequests(RequestBuilder build) = 0;
 };
 
 } // namespace vorlane

@@ -6,9 +6,12 @@
 #include "util/UserCalendar.h"
 
 #include <chrono>
+#include <cstddef>
 #include <initializer_list>
 #include <iostream>
+#include <memory>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 
 namespace vorlane {
@@ -18,8 +21,7 @@ namespace {
 constexpr std::string_view warningPrefix = "vorlane.warn.";
 constexpr std::string_view criticalPrefix = "vorlane.critical.";
 
-// A rebuild makes tens of thousands of these texts on the main thread: each is put together in
-// one allocation.
+// A rebuild makes tens of thousands of these texts: each is put together in one allocation.
 std::string joined(std::initializer_list<std::string_view> parts) {
     std::size_t size = 0;
     for (const std::string_view part : parts) {
@@ -33,14 +35,88 @@ std::string joined(std::initializer_list<std::string_view> parts) {
     return text;
 }
 
-std::string identifier(std::string_view prefix, const ServiceRecord& service, int daysBefore) {
-    return joined({prefix, service.id.toString(), ".", std::to_string(daysBefore), "d"});
+// What the reminders of one service need, copied on the main thread so that the requests can be
+// built on another while the services change.
+struct Expiring {
+    Uuid id;
+    Instant expiration;
+    std::string_view typeLabel; // a text of the label table, which lives as long as the program
+    std::string title;
+    std::size_t owner; // in Reminded::owners
+};
+
+struct Reminded {
+    std::vector<Expiring> services;
+    // The names the bodies give the clients, once each; "a client" for a service without one.
+    std::vector<std::string> owners;
+};
+
+std::string identifier(std::string_view prefix, std::string_view id, int daysBefore) {
+    return joined({prefix, id, ".", std::to_string(daysBefore), "d"});
 }
 
-// The name both bodies give the client; a service without an organization has "a client".
-std::string_view owner(const ServiceRecord& service) {
-    return service.organization != nullptr ? std::string_view(service.organization->name)
-                                           : "a client";
+// Expiration minus `daysBefore` calendar days, seconds dropped; nothing when the calendar cannot
+// give it or it is not strictly later than now.
+std::optional<Instant> reminderMinute(const UserCalendar& calendar, Instant now, Instant expiration,
+                                      int daysBefore) {
+    // Calendar days, so a reminder across a daylight-saving change keeps the wall-clock time.
+    const std::optional<Instant> date =
+        calendar.adding(UserCalendar::Unit::day, -daysBefore, expiration);
+    if (!date || *date <= now) {
+        return std::nullopt;
+    }
+    // Every zone in use today is a whole number of minutes from UTC, so dropping the seconds of
+    // the instant drops those of the local time of day too.
+    return std::chrono::floor<std::chrono::minutes>(*date);
+}
+
+void scheduleWarning(std::vector<NotificationRequest>& requests, const Expiring& service,
+                     std::string_view id, std::string_view owner, Instant due, int daysBefore) {
+    requests.push_back({
+        .identifier = identifier(warningPrefix, id, daysBefore),
+        .title = "Expiration Warning",
+        .body = joined({"Your ", service.typeLabel, " \"", service.title, "\" for ", owner,
+                        " expires in ", std::to_string(daysBefore), " days."}),
+        .sound = NotificationRequest::Sound::standard,
+        .categoryIdentifier = std::string(NotificationManager::warningCategory),
+        .interruptionLevel = NotificationRequest::InterruptionLevel::active,
+        .dueMinute = due,
+    });
+}
+
+void scheduleCritical(std::vector<NotificationRequest>& requests, const Expiring& service,
+                      std::string_view id, std::string_view owner, Instant due, int daysBefore) {
+    // No "Your " here, unlike the warning: the title already says how urgent it is.
+    requests.push_back({
+        .identifier = identifier(criticalPrefix, id, daysBefore),
+        .title = "Critical: Expiring Tomorrow",
+        .body = joined(
+            {service.typeLabel, " \"", service.title, "\" for ", owner, " expires tomorrow."}),
+        .sound = NotificationRequest::Sound::critical,
+        .categoryIdentifier = std::string(NotificationManager::criticalCategory),
+        .interruptionLevel = NotificationRequest::InterruptionLevel::timeSensitive,
+        .dueMinute = due,
+    });
+}
+
+std::vector<NotificationRequest> requestsFor(const Reminded& reminded, const UserCalendar& calendar,
+                                             Instant now) {
+    constexpr int warningDaysBefore = NotificationManager::warningDaysBefore;
+    constexpr int criticalDaysBefore = NotificationManager::criticalDaysBefore;
+    std::vector<NotificationRequest> requests;
+    requests.reserve(2 * reminded.services.size());
+    for (const Expiring& service : reminded.services) {
+        const std::string id = service.id.toString();
+        const std::string_view owner = reminded.owners[service.owner];
+        if (const auto due = reminderMinute(calendar, now, service.expiration, warningDaysBefore)) {
+            scheduleWarning(requests, service, id, owner, *due, warningDaysBefore);
+        }
+        if (const auto due =
+                reminderMinute(calendar, now, service.expiration, criticalDaysBefore)) {
+            scheduleCritical(requests, service, id, owner, *due, criticalDaysBefore);
+        }
+    }
+    return requests;
 }
 
 void logToStandardError(const std::string& line) {
@@ -66,16 +142,31 @@ void NotificationManager::requestPermission() {
 
 void NotificationManager::scheduleExpirationNotifications(
     const std::vector<ServiceRecord*>& services) {
-    m_center.removeAllPendingRequests();
-    m_center.reserve(2 * services.size());
     const Instant now = m_calendar.now();
+    auto reminded = std::make_shared<Reminded>();
+    reminded->services.reserve(services.size());
+    reminded->owners.emplace_back("a client");
+    std::unordered_map<const Organization*, std::size_t> owners;
     for (const ServiceRecord* service : services) {
         if (!service->expirationDate || service->isArchived || *service->expirationDate <= now) {
             continue;
         }
-        scheduleWarning(*service, *service->expirationDate, warningDaysBefore);
-        scheduleCritical(*service, *service->expirationDate, criticalDaysBefore);
+        std::size_t owner = 0;
+        if (service->organization != nullptr) {
+            const auto [at, added] = owners.emplace(service->organization, reminded->owners.size());
+            if (added) {
+                reminded->owners.push_back(service->organization->name);
+            }
+            owner = at->second;
+        }
+        reminded->services.push_back({.id = service->id,
+                                      .expiration = *service->expirationDate,
+                                      .typeLabel = service->serviceType().label(),
+                                      .title = service->title,
+                                      .owner = owner});
     }
+    m_center.replaceAllPendingRequests(
+        [reminded, &calendar = m_calendar, now] { return requestsFor(*reminded, calendar, now); });
 }
 
 std::optional<Uuid> NotificationManager::serviceOf(std::string_view identifier) {
@@ -87,56 +178,6 @@ std::optional<Uuid> NotificationManager::serviceOf(std::string_view identifier) 
         }
     }
     return std::nullopt;
-}
-
-void NotificationManager::scheduleWarning(const ServiceRecord& service, Instant expiration,
-                                          int daysBefore) {
-    const std::optional<Instant> due = reminderMinute(expiration, daysBefore);
-    if (!due) {
-        return;
-    }
-    m_center.add({
-        .identifier = identifier(warningPrefix, service, daysBefore),
-        .title = "Expiration Warning",
-        .body = joined({"Your ", service.serviceType().label(), " \"", service.title, "\" for ",
-                        owner(service), " expires in ", std::to_string(daysBefore), " days."}),
-        .sound = NotificationRequest::Sound::standard,
-        .categoryIdentifier = std::string(warningCategory),
-        .interruptionLevel = NotificationRequest::InterruptionLevel::active,
-        .dueMinute = *due,
-    });
-}
-
-void NotificationManager::scheduleCritical(const ServiceRecord& service, Instant expiration,
-                                           int daysBefore) {
-    const std::optional<Instant> due = reminderMinute(expiration, daysBefore);
-    if (!due) {
-        return;
-    }
-    // No "Your " here, unlike the warning: the title already says how urgent it is.
-    m_center.add({
-        .identifier = identifier(criticalPrefix, service, daysBefore),
-        .title = "Critical: Expiring Tomorrow",
-        .body = joined({service.serviceType().label(), " \"", service.title, "\" for ",
-                        owner(service), " expires tomorrow."}),
-        .sound = NotificationRequest::Sound::critical,
-        .categoryIdentifier = std::string(criticalCategory),
-        .interruptionLevel = NotificationRequest::InterruptionLevel::timeSensitive,
-        .dueMinute = *due,
-    });
-}
-
-std::optional<Instant> NotificationManager::reminderMinute(Instant expiration,
-                                                           int daysBefore) const {
-    // Calendar days, so a reminder across a daylight-saving change keeps the wall-clock time.
-    const std::optional<Instant> date =
-        m_calendar.adding(UserCalendar::Unit::day, -daysBefore, expiration);
-    if (!date || *date <= m_calendar.now()) {
-        return std::nullopt;
-    }
-    // Every zone in use today is a whole number of minutes from UTC, so dropping the seconds of
-    // the instant drops those of the local time of day too.
-    return std::chrono::floor<std::chrono::minutes>(*date);
 }
 
 } // namespace vorlane

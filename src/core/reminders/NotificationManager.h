@@ -18,7 +18,8 @@ class UserCalendar;
 // The expiration reminders: a warning 3 days and a critical reminder 1 day before each service
 // expires, at the expiration's time of day in the user's calendar. The centre's pending requests
 // are the whole schedule; this object keeps nothing. Main thread; the centre and calendar must
-// outlive it.
+// outlive it, and the calendar must outlive the centre too (the centre may build the requests
+// on a thread of its own, after this call has returned).
 class NotificationManager {
 public:
     // Where diagnostics go (standard error unless a test listens); may be called from any thread.
@@ -37,6 +38,8 @@ public:
 
     // Rebuilds the schedule: every pending request goes, then each service that is not archived
     // and expires after now gets its two reminders, each only if its own minute is still ahead.
+    // Only what the reminders need is copied from the services here; the centre builds the
+    // requests from that copy, possibly later on its own thread.
     void scheduleExpirationNotifications(const std::vector<ServiceRecord*>& services);
 
     // The service a reminder's identifier names ("vorlane.warn.<UUID>.3d"); nothing for an
@@ -44,12 +47,6 @@ public:
     static std::optional<Uuid> serviceOf(std::string_view identifier);
 
 private:
-    void scheduleWarning(const ServiceRecord& service, Instant expiration, int daysBefore);
-    void scheduleCritical(const ServiceRecord& service, Instant expiration, int daysBefore);
-    // Expiration minus `daysBefore` calendar days, seconds dropped; nothing when the calendar
-    // cannot give it or it is not strictly later than now.
-    std::optional<Instant> reminderMinute(Instant expiration, int daysBefore) const;
-
     NotificationCenter& m_center;
     const UserCalendar& m_calendar;
     Log m_log;
