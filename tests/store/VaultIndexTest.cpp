@@ -103,6 +103,17 @@ TEST_F(VaultIndexTest, ListsSearchAndWindowsFollowARandomRunOfEdits) {
             << "step " << step;
         ASSERT_EQ(store().fetchExpiringSoon(30), byExpiration(live, now, now + 24h * 30))
             << "step " << step;
+        ASSERT_EQ(store().fetchExpiringBetween(now - 24h * 10, now + 24h * 20),
+                  byExpiration(live, now - 24h * 10 - 1ms, now + 24h * 20 - 1ms))
+            << "step " << step;
+        ASSERT_EQ(store().countServices(true), live.size()) << "step " << step;
+        ASSERT_EQ(store().countServices(), byTitle(live, false).size()) << "step " << step;
+        // The dashboard's newest few: a stable sort of the title order by time of change.
+        Services recent = byTitle(live, false);
+        std::stable_sort(recent.begin(), recent.end(),
+                         [](const auto* a, const auto* b) { return a->updatedAt > b->updatedAt; });
+        recent.resize(std::min<std::size_t>(recent.size(), 5));
+        ASSERT_EQ(store().fetchRecentlyUpdated(5), recent) << "step " << step;
         std::size_t active = 0;
         for (const ServiceRecord* service : live) {
             active += !service->isArchived && service->status() == ServiceStatus::active;
@@ -122,7 +133,11 @@ TEST_F(VaultIndexTest, ListsSearchAndWindowsFollowARandomRunOfEdits) {
             }
             live.push_back(&service);
         } else if (action <= 5) {
-            change(*live[pick(live.size())], [&](ServiceRecord& s) { s.title = randomTitle(); });
+            // Few distinct times of change, so that the newest few are often tied.
+            change(*live[pick(live.size())], [&](ServiceRecord& s) {
+                s.title = randomTitle();
+                s.updatedAt = now + 1min * static_cast<int>(pick(4));
+            });
         } else if (action == 6) {
             change(*live[pick(live.size())], [&](ServiceRecord& s) {
                 s.isArchived = !s.isArchived;

@@ -96,21 +96,7 @@ void DashboardScreen::makeAlerts() {
 }
 
 void DashboardScreen::makeRecent() {
-    // One pass keeping the newest few, rather than sorting the whole vault: a service goes in
-    // front of the first kept one that is strictly older, so equal times keep title order.
-    m_recent.clear();
-    for (ServiceRecord* service : m_store.fetchAllServices(false)) {
-        const auto place = std::find_if(m_recent.begin(), m_recent.end(), [&](const auto* kept) {
-            return kept->updatedAt < service->updatedAt;
-        });
-        if (place == m_recent.end() && m_recent.size() >= recentLimit) {
-            continue;
-        }
-        m_recent.insert(place, service);
-        if (m_recent.size() > recentLimit) {
-            m_recent.pop_back();
-        }
-    }
+    m_recent = m_store.fetchRecentlyUpdated(recentLimit);
 }
 
 void DashboardScreen::makeCostsDue() {
@@ -135,11 +121,8 @@ void DashboardScreen::makeCostsDue() {
     // then multiplied and spread along the cycle: a dozen multiplications instead of one per
     // service.
     std::map<std::pair<int, int>, Decimal> byMonthAndStep;
-    for (const ServiceRecord* service : m_store.fetchAllServices(false)) {
-        if (!service->expirationDate || *service->expirationDate < starts.front() ||
-            *service->expirationDate >= starts.back()) {
-            continue;
-        }
+    for (const ServiceRecord* service :
+         m_store.fetchExpiringBetween(starts.front(), starts.back())) {
         const Decimal monthly = m_costs.of(*service);
         if (monthly.isZero() || monthly.isNegative()) {
             continue;

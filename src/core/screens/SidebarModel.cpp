@@ -120,7 +120,7 @@ std::size_t SidebarModel::badgeCount(SidebarItem item) const {
     case SidebarItem::expired:
         return m_store.fetchExpired().size();
     case SidebarItem::allCredentials:
-        return m_store.fetchAllServices(false).size();
+        return m_store.countServices(false);
     case SidebarItem::archive:
         // Archived services are deliberately left out: an archive of services alone shows no
         // badge.

@@ -209,6 +209,18 @@ std::vector<ServiceRecord*> DataStore::fetchAllServices(bool includeArchived) co
     return m_context.servicesByTitle(includeArchived);
 }
 
+std::size_t DataStore::countServices(bool includeArchived) const {
+    return includeArchived ? m_context.serviceCount() : m_context.unarchivedServiceCount();
+}
+
+std::vector<ServiceRecord*> DataStore::fetchRecentlyUpdated(std::size_t limit) const {
+    return m_context.servicesUpdatedLast(limit);
+}
+
+std::vector<ServiceRecord*> DataStore::fetchExpiringBetween(Instant from, Instant to) const {
+    return m_context.servicesExpiringBetween(from, to);
+}
+
 std::vector<ServiceRecord*> DataStore::fetchExpiringSoon(int days) const {
     const Instant now = m_calendar.now();
     const std::optional<Instant> limit = m_calendar.adding(UserCalendar::Unit::day, days, now);

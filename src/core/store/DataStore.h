@@ -86,6 +86,13 @@ public:
     std::vector<Organization*> fetchFavorites() const; // favourite and not archived, by name
     std::vector<Organization*> fetchArchivedOrganizations() const;                    // by name
     std::vector<ServiceRecord*> fetchAllServices(bool includeArchived = false) const; // by title
+    // How many `fetchAllServices` lists, without listing them.
+    std::size_t countServices(bool includeArchived = false) const;
+    // The first `limit` of `fetchAllServices(false)` ordered by `updatedAt`, newest first (a
+    // stable order: equal times keep title order), without ordering the whole vault.
+    std::vector<ServiceRecord*> fetchRecentlyUpdated(std::size_t limit) const;
+    // Non-archived services with `from` <= expiration date < `to`, soonest first.
+    std::vector<ServiceRecord*> fetchExpiringBetween(Instant from, Instant to) const;
     // Non-archived services expiring after now and no later than now plus `days` calendar days,
     // soonest first.
     std::vector<ServiceRecord*> fetchExpiringSoon(int days) const;

@@ -309,6 +309,41 @@ std::vector<ServiceRecord*> VaultContext::servicesByTitle(bool includeArchived) 
     return result;
 }
 
+std::vector<ServiceRecord*> VaultContext::servicesUpdatedLast(std::size_t limit) const {
+    // One pass keeping the newest few, rather than ordering the whole vault by title first:
+    // title keys are made only for services tied on their time.
+    const auto newer = [this](std::uint32_t a, std::uint32_t b) {
+        const Instant first = m_services[a].updatedAt;
+        const Instant second = m_services[b].updatedAt;
+        if (first != second) {
+            return first > second;
+        }
+        makeTitleKey(a);
+        makeTitleKey(b);
+        return TitleLess{this}(a, b);
+    };
+    std::vector<std::uint32_t> kept;
+    for (std::uint32_t slot = 0; slot < m_services.slotCount(); ++slot) {
+        const ServiceIndex& entry = m_serviceIndex[slot];
+        if (!entry.used || entry.archived) {
+            continue;
+        }
+        const auto place = std::upper_bound(kept.begin(), kept.end(), slot, newer);
+        if (place == kept.end() && kept.size() >= limit) {
+            continue;
+        }
+        kept.insert(place, slot);
+        if (kept.size() > limit) {
+            kept.pop_back();
+        }
+    }
+    std::vector<ServiceRecord*> result;
+    for (const std::uint32_t slot : kept) {
+        result.push_back(&m_services[slot]);
+    }
+    return result;
+}
+
 std::vector<ServiceRecord*> VaultContext::servicesMatching(std::string_view foldedQuery) const {
     // An organization's name and project are matched once per query, not once per service.
     std::unordered_set<const Organization*> matchingOwners;
@@ -364,12 +399,19 @@ std::vector<Organization*> VaultContext::organizationsMatching(std::string_view 
 }
 
 std::vector<ServiceRecord*> VaultContext::servicesExpiringBefore(Instant end) const {
+    return servicesExpiringBetween(Instant::min(), end);
+}
+
+std::vector<ServiceRecord*> VaultContext::servicesExpiringBetween(Instant from, Instant to) const {
     const std::vector<std::uint32_t>& slots = slotsByExpiration();
-    const auto last = std::partition_point(slots.begin(), slots.end(), [&](std::uint32_t slot) {
-        return m_serviceIndex[slot].expiration < end;
-    });
+    const auto before = [&](Instant limit) {
+        return std::partition_point(slots.begin(), slots.end(), [&](std::uint32_t slot) {
+            return m_serviceIndex[slot].expiration < limit;
+        });
+    };
     std::vector<ServiceRecord*> result;
-    for (auto it = slots.begin(); it != last; ++it) {
+    const auto last = before(to);
+    for (auto it = before(from); it < last; ++it) {
         result.push_back(&m_services[*it]);
     }
     return result;
@@ -435,6 +477,8 @@ void VaultContext::index(std::uint32_t slot) {
     entry.owner = service.organization;
     entry.archived = service.isArchived;
     if (!service.isArchived) {
+        entry.countedUnarchived = true;
+        ++m_unarchivedServiceCount;
         if (service.expirationDate) {
             entry.expiration = *service.expirationDate;
             entry.inExpirationOrder = true;
@@ -458,6 +502,10 @@ void VaultContext::unindex(std::uint32_t slot) {
     if (entry.countedActive) {
         entry.countedActive = false;
         --m_activeServiceCount;
+    }
+    if (entry.countedUnarchived) {
+        entry.countedUnarchived = false;
+        --m_unarchivedServiceCount;
     }
 }
 

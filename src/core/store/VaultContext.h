@@ -102,6 +102,10 @@ public:
     // Services by title (ties in insertion order); archived ones (as of their last noted change)
     // only when asked for.
     std::vector<ServiceRecord*> servicesByTitle(bool includeArchived) const;
+    // As many as `servicesByTitle(false)` lists, without ordering them.
+    std::size_t unarchivedServiceCount() const { return m_unarchivedServiceCount; }
+    // The `limit` non-archived services changed last, newest first; equal times in title order.
+    std::vector<ServiceRecord*> servicesUpdatedLast(std::size_t limit) const;
 
     // Containment search over the folded texts (see SearchText); `foldedQuery` is not empty.
     // Non-archived services whose own fields, kind, tags or organization's name or project name
@@ -111,9 +115,11 @@ public:
     std::vector<Organization*> organizationsMatching(std::string_view foldedQuery) const;
 
     // Non-archived services with an expiration date, ascending by date (ties in insertion order):
-    // those with date < `end`, and those with `after` < date <= `upTo`.
+    // those with date < `end`, those with `after` < date <= `upTo`, and those with
+    // `from` <= date < `to`.
     std::vector<ServiceRecord*> servicesExpiringBefore(Instant end) const;
     std::vector<ServiceRecord*> servicesExpiringWithin(Instant after, Instant upTo) const;
+    std::vector<ServiceRecord*> servicesExpiringBetween(Instant from, Instant to) const;
 
     // Non-archived services whose status reads as active, whatever their organization.
     std::size_t activeServiceCount() const { return m_activeServiceCount; }
@@ -145,6 +151,7 @@ private:
         bool archived = false;
         bool inExpirationOrder = false;
         bool countedActive = false;
+        bool countedUnarchived = false;
     };
     // Comparisons of slots for m_titleOrder and m_expirationOrder: ties in insertion order.
     struct TitleLess {
@@ -205,6 +212,7 @@ private:
     mutable int m_searchesWithoutTitleOrder = 0;
     mutable SlotOrder m_expirationOrder; // services not archived with an expiration date
     std::size_t m_activeServiceCount = 0;
+    std::size_t m_unarchivedServiceCount = 0;
 
     std::unordered_set<const Organization*> m_pendingOrganizations;
     std::unordered_set<const ServiceRecord*> m_pendingServices;
