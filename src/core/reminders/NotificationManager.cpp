@@ -41,14 +41,21 @@ struct Expiring {
     Uuid id;
     Instant expiration;
     std::string_view typeLabel; // a text of the label table, which lives as long as the program
-    std::string title;
+    std::size_t titleAt;        // in Reminded::titles
+    std::size_t titleSize;
     std::size_t owner; // in Reminded::owners
 };
 
 struct Reminded {
     std::vector<Expiring> services;
+    // Every title one after the other: one allocation instead of one a service.
+    std::string titles;
     // The names the bodies give the clients, once each; "a client" for a service without one.
     std::vector<std::string> owners;
+
+    std::string_view title(const Expiring& service) const {
+        return std::string_view(titles).substr(service.titleAt, service.titleSize);
+    }
 };
 
 std::string identifier(std::string_view prefix, std::string_view id, int daysBefore) {
@@ -71,12 +78,13 @@ std::optional<Instant> reminderMinute(const UserCalendar& calendar, Instant now,
 }
 
 void scheduleWarning(std::vector<NotificationRequest>& requests, const Expiring& service,
-                     std::string_view id, std::string_view owner, Instant due, int daysBefore) {
+                     std::string_view id, std::string_view title, std::string_view owner,
+                     Instant due, int daysBefore) {
     requests.push_back({
         .identifier = identifier(warningPrefix, id, daysBefore),
         .title = "Expiration Warning",
-        .body = joined({"Your ", service.typeLabel, " \"", service.title, "\" for ", owner,
-                        " expires in ", std::to_string(daysBefore), " days."}),
+        .body = joined({"Your ", service.typeLabel, " \"", title, "\" for ", owner, " expires in ",
+                        std::to_string(daysBefore), " days."}),
         .sound = NotificationRequest::Sound::standard,
         .categoryIdentifier = std::string(NotificationManager::warningCategory),
         .interruptionLevel = NotificationRequest::InterruptionLevel::active,
@@ -85,13 +93,13 @@ void scheduleWarning(std::vector<NotificationRequest>& requests, const Expiring&
 }
 
 void scheduleCritical(std::vector<NotificationRequest>& requests, const Expiring& service,
-                      std::string_view id, std::string_view owner, Instant due, int daysBefore) {
+                      std::string_view id, std::string_view title, std::string_view owner,
+                      Instant due, int daysBefore) {
     // No "Your " here, unlike the warning: the title already says how urgent it is.
     requests.push_back({
         .identifier = identifier(criticalPrefix, id, daysBefore),
         .title = "Critical: Expiring Tomorrow",
-        .body = joined(
-            {service.typeLabel, " \"", service.title, "\" for ", owner, " expires tomorrow."}),
+        .body = joined({service.typeLabel, " \"", title, "\" for ", owner, " expires tomorrow."}),
         .sound = NotificationRequest::Sound::critical,
         .categoryIdentifier = std::string(NotificationManager::criticalCategory),
         .interruptionLevel = NotificationRequest::InterruptionLevel::timeSensitive,
@@ -107,13 +115,14 @@ std::vector<NotificationRequest> requestsFor(const Reminded& reminded, const Use
     requests.reserve(2 * reminded.services.size());
     for (const Expiring& service : reminded.services) {
         const std::string id = service.id.toString();
+        const std::string_view title = reminded.title(service);
         const std::string_view owner = reminded.owners[service.owner];
         if (const auto due = reminderMinute(calendar, now, service.expiration, warningDaysBefore)) {
-            scheduleWarning(requests, service, id, owner, *due, warningDaysBefore);
+            scheduleWarning(requests, service, id, title, owner, *due, warningDaysBefore);
         }
         if (const auto due =
                 reminderMinute(calendar, now, service.expiration, criticalDaysBefore)) {
-            scheduleCritical(requests, service, id, owner, *due, criticalDaysBefore);
+            scheduleCritical(requests, service, id, title, owner, *due, criticalDaysBefore);
         }
     }
     return requests;
@@ -162,8 +171,10 @@ void NotificationManager::scheduleExpirationNotifications(
         reminded->services.push_back({.id = service->id,
                                       .expiration = *service->expirationDate,
                                       .typeLabel = service->serviceType().label(),
-                                      .title = service->title,
+                                      .titleAt = reminded->titles.size(),
+                                      .titleSize = service->title.size(),
                                       .owner = owner});
+        reminded->titles.append(service->title);
     }
     m_center.replaceAllPendingRequests(
         [reminded, &calendar = m_calendar, now] { return requestsFor(*reminded, calendar, now); });
