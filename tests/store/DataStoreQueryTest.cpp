@@ -409,6 +409,17 @@ TEST_F(DataStoreQueryTest, TotalsSkipArchivedOrganizationsAndServicesAndFollowCh
     EXPECT_EQ(store().totalActiveServices(), 4u);
     change(archivedOrg, [](Organization& o) { o.isArchived = false; });
     EXPECT_EQ(store().totalMonthlyCost(), Decimal(17));
+
+    // Each service's effective monthly cost is kept between totals: a new service in the slot the
+    // deleted one left, and a change of its cycle, are worked out afresh.
+    ServiceRecord& yearly = change(*costing(live, "Yearly 120", 0, 120), [](ServiceRecord& s) {
+        s.setBillingCycle(BillingCycle::annual);
+    });
+    EXPECT_EQ(store().effectiveMonthlyCost(yearly), Decimal(10));
+    EXPECT_EQ(store().totalMonthlyCost(), Decimal(27));
+    change(yearly, [](ServiceRecord& s) { s.setBillingCycle(BillingCycle::biennial); });
+    EXPECT_EQ(store().effectiveMonthlyCost(yearly), Decimal(5));
+    EXPECT_EQ(store().totalMonthlyCost(), Decimal(22));
 }
 
 TEST_F(DataStoreQueryTest, ObserversHearOfEveryChange) {

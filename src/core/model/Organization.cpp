@@ -93,10 +93,15 @@ std::optional<Instant> Organization::nextExpiration(const UserCalendar& calendar
 }
 
 Decimal Organization::monthlyCost() const {
+    return monthlyCost([](const ServiceRecord& service) { return service.effectiveMonthlyCost(); });
+}
+
+Decimal
+Organization::monthlyCost(const std::function<Decimal(const ServiceRecord&)>& effectiveCost) const {
     Decimal total;
     for (const ServiceRecord* service : services) {
         if (!service->isArchived) {
-            total += service->effectiveMonthlyCost();
+            total += effectiveCost(*service);
         }
     }
     return total;

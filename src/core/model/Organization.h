@@ -6,6 +6,7 @@
 #include "util/Uuid.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -49,6 +50,9 @@ struct Organization {
     std::optional<Instant> nextExpiration(const UserCalendar& calendar) const;
     // Sum of the effective monthly costs of the services that are not archived.
     Decimal monthlyCost() const;
+    // The same sum with each service's effective monthly cost taken from `effectiveCost` (which
+    // must give `ServiceRecord::effectiveMonthlyCost`, from a cache of it, say).
+    Decimal monthlyCost(const std::function<Decimal(const ServiceRecord&)>& effectiveCost) const;
     // Per non-archived service: `yearlyCost` when positive, else the stored `monthlyCost` times 12.
     Decimal yearlyCost() const;
     // First letters of the first two words (split on spaces), upper-cased: "acme corp ltd" is "AC".

@@ -123,7 +123,7 @@ void DashboardScreen::makeCostsDue() {
     std::map<std::pair<int, int>, Decimal> byMonthAndStep;
     for (const ServiceRecord* service :
          m_store.fetchExpiringBetween(starts.front(), starts.back())) {
-        const Decimal monthly = m_costs.of(*service);
+        const Decimal monthly = m_store.effectiveMonthlyCost(*service);
         if (monthly.isZero() || monthly.isNegative()) {
             continue;
         }
@@ -142,7 +142,6 @@ void DashboardScreen::makeCostsDue() {
             due[static_cast<std::size_t>(month)] += amount;
         }
     }
-    m_costs.sweep();
     const Decimal largest = *std::max_element(due.begin(), due.end());
     m_hasCostsDue = largest > Decimal();
     const MonthWriter shortMonth(m_calendar, u"MMM");

@@ -2,7 +2,6 @@
 
 #include "model/ExpirationState.h"
 #include "screens/ChartBar.h"
-#include "screens/EffectiveCostCache.h"
 #include "screens/StatCard.h"
 
 #include <cstddef>
@@ -94,7 +93,6 @@ private:
     DataStore& m_store;
     AppState& m_state;
     const UserCalendar& m_calendar;
-    EffectiveCostCache m_costs;
     std::vector<StatCard> m_stats;
     std::vector<Alert> m_alerts;
     std::vector<ServiceRecord*> m_expiring;

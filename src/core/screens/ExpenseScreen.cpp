@@ -64,10 +64,9 @@ void ExpenseScreen::reload() {
     m_paidServices.clear();
     for (ServiceRecord* service : m_store.fetchAllServices(false)) {
         if (carriesCost(*service)) {
-            m_paidServices.push_back({service, m_costs.of(*service)});
+            m_paidServices.push_back({service, m_store.effectiveMonthlyCost(*service)});
         }
     }
-    m_costs.sweep();
     m_organizationCount = 0;
     for (const Organization* organization : m_store.fetchOrganizations(false)) {
         if (m_store.monthlyCost(*organization) > Decimal() ||

@@ -2,7 +2,6 @@
 
 #include "model/Palette.h"
 #include "screens/ChartBar.h"
-#include "screens/EffectiveCostCache.h"
 #include "screens/StatCard.h"
 #include "util/Decimal.h"
 
@@ -112,7 +111,6 @@ private:
 
     DataStore& m_store;
     GroupBy m_groupBy;
-    EffectiveCostCache m_costs;
     std::vector<PaidService> m_paidServices; // in the store's title order
     std::size_t m_organizationCount = 0;
     std::vector<StatCard> m_summary;

@@ -292,6 +292,10 @@ Decimal DataStore::monthlyCost(const Organization& organization) const {
     return m_context.monthlyCost(organization);
 }
 
+Decimal DataStore::effectiveMonthlyCost(const ServiceRecord& service) const {
+    return m_context.effectiveMonthlyCost(service);
+}
+
 Decimal DataStore::yearlyCost(const Organization& organization) const {
     return m_context.yearlyCost(organization);
 }

@@ -120,6 +120,8 @@ public:
     // changes (the same figures the totals add up).
     Decimal monthlyCost(const Organization& organization) const;
     Decimal yearlyCost(const Organization& organization) const;
+    // `service.effectiveMonthlyCost()`, kept until the service changes.
+    Decimal effectiveMonthlyCost(const ServiceRecord& service) const;
 
     // -- Secrets, under the identifiers the record holds. Reads give nothing when there is no
     // item or it is not UTF-8 text. Setting an empty text deletes the item; setting a text on a

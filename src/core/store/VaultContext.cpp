@@ -439,11 +439,25 @@ std::vector<ServiceRecord*> VaultContext::servicesExpiringWithin(Instant after,
 const Decimal& VaultContext::monthlyCost(const Organization& organization) const {
     const OrganizationEntry& entry = entryOf(organization);
     if (!entry.costsValid) {
-        entry.monthlyCost = organization.monthlyCost();
+        entry.monthlyCost = organization.monthlyCost(
+            [this](const ServiceRecord& service) { return effectiveMonthlyCost(service); });
         entry.yearlyCost = organization.yearlyCost();
         entry.costsValid = true;
     }
     return entry.monthlyCost;
+}
+
+Decimal VaultContext::effectiveMonthlyCost(const ServiceRecord& service) const {
+    const std::uint32_t slot = slotOf(service);
+    ServiceIndex& entry = m_serviceIndex[slot];
+    if (!entry.effectiveCostKept) {
+        if (m_effectiveCosts.size() <= slot) {
+            m_effectiveCosts.resize(m_services.slotCount());
+        }
+        m_effectiveCosts[slot] = service.effectiveMonthlyCost();
+        entry.effectiveCostKept = true;
+    }
+    return m_effectiveCosts[slot];
 }
 
 const Decimal& VaultContext::yearlyCost(const Organization& organization) const {
@@ -473,6 +487,7 @@ void VaultContext::unindex(OrganizationEntry& entry) {
 void VaultContext::index(std::uint32_t slot) {
     const ServiceRecord& service = m_services[slot];
     ServiceIndex& entry = m_serviceIndex[slot];
+    entry.effectiveCostKept = false;
     setSearchText(slot);
     entry.owner = service.organization;
     entry.archived = service.isArchived;

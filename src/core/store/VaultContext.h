@@ -127,6 +127,10 @@ public:
     // services changes.
     const Decimal& monthlyCost(const Organization& organization) const;
     const Decimal& yearlyCost(const Organization& organization) const;
+    // `ServiceRecord::effectiveMonthlyCost`, kept until the service changes: a yearly amount
+    // spread over its cycle is an exact decimal division (about a microsecond), which the totals
+    // and the screens that list costs would otherwise repeat for every service on every rebuild.
+    Decimal effectiveMonthlyCost(const ServiceRecord& service) const;
 
 private:
     struct OrganizationEntry;
@@ -152,6 +156,7 @@ private:
         bool inExpirationOrder = false;
         bool countedActive = false;
         bool countedUnarchived = false;
+        bool effectiveCostKept = false; // m_effectiveCosts holds its effective monthly cost
     };
     // Comparisons of slots for m_titleOrder and m_expirationOrder: ties in insertion order.
     struct TitleLess {
@@ -213,6 +218,8 @@ private:
     mutable SlotOrder m_expirationOrder; // services not archived with an expiration date
     std::size_t m_activeServiceCount = 0;
     std::size_t m_unarchivedServiceCount = 0;
+    // By slot, grown when first asked for (a command that never totals costs never pays for it).
+    mutable std::vector<Decimal> m_effectiveCosts;
 
     std::unordered_set<const Organization*> m_pendingOrganizations;
     std::unordered_set<const ServiceRecord*> m_pendingServices;
