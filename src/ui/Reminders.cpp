@@ -34,7 +34,11 @@ Reminders::~Reminders() {
 
 void Reminders::rebuild() {
     m_manager.requestPermission();
-    m_manager.scheduleExpirationNotifications(m_context.store.fetchAllServices(false));
+    // Only services not archived that expire after now can have reminders. The store's expiration
+    // index lists them without ordering every service by title first, which at 100,000 services
+    // cost the window more than building the reminders does.
+    m_manager.scheduleExpirationNotifications(
+        m_context.store.fetchExpiringBetween(m_context.calendar.now(), Instant::max()));
 }
 
 void Reminders::rebuildOncePainted() {

@@ -162,7 +162,8 @@ void NotificationManager::scheduleExpirationNotifications(
         }
         std::size_t owner = 0;
         if (service->organization != nullptr) {
-            const auto [at, added] = owners.emplace(service->organization, reminded->owners.size());
+            const auto [at, added] =
+                owners.try_emplace(service->organization, reminded->owners.size());
             if (added) {
                 reminded->owners.push_back(service->organization->name);
             }
