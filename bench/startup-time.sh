@@ -32,9 +32,10 @@ maps=$(mktemp)
 milliseconds() { local t=${1/./}; echo $(( (10#$t - 10#${2/./}) / 1000 )); }
 for run in $(seq 1 "$RUNS"); do
     : > "$maps"
-    stdbuf -oL xev -root -event substructure | while IFS= read -r line; do
+    (stdbuf -oL xev -root -event substructure | while IFS= read -r line; do
         [[ $line == "MapNotify event"* ]] && echo "$EPOCHREALTIME"
-    done > "$maps" &
+    done > "$maps") &
+    watcher=$!
     sleep 0.5 # until xev listens
     start=$EPOCHREALTIME
     "$APP" --vault "$VAULT" 2>/dev/null &
@@ -60,11 +61,11 @@ for run in $(seq 1 "$RUNS"); do
          "$(milliseconds "$answered" "$start") ms to answering, ${rss} MB resident"
     kill "$pid"
     wait "$pid" 2>/dev/null || true
-    pkill -P $$ xev 2>/dev/null || true
-    kill %1 2>/dev/null || true
-    wait 2>/dev/null || true
+    # Once xev is gone its reader sees the end of the stream and the watcher ends.
+    pkill -x -P "$watcher" xev || true
+    wait "$watcher" 2>/dev/null || true
 done
 rm -f "$maps"'
 APP="$build/src/ui/vorlane" VAULT="$vault" RUNS="$runs" \
     "$root/tests/support/run-with-keyring.sh" \
-    xvfb-run -a -s '-screen 0 1400x900x24' bash -c "$measure"
+    xvfb-run -a -s '-screen 0 1400x900x24' bash ${STARTUP_TRACE:+-x} -c "$measure"
