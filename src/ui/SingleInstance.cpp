@@ -66,8 +66,9 @@ bool SingleInstance::askToRaise(const QString& socketName, int timeoutMs,
             return socket.canReadLine() &&
                    socket.readLine().trimmed() == QByteArrayView(acknowledgement);
         }
-        // Not listening yet: the other program is still opening the vault.
-        QThread::msleep(100);
+        // Not listening yet: the other program is still opening the vault, and listens the
+        // moment its window is ready. A short nap, so that the window comes forward promptly.
+        QThread::msleep(20);
     }
     return false;
 }
