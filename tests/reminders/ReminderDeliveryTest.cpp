@@ -66,6 +66,18 @@ protected:
         m_manager.scheduleExpirationNotifications(list);
     }
 
+    // Both reminders of `count` services, due in the real past (the timer's command reads the
+    // real clock) a minute apart, scheduled and written: `2 * count` reminders to deliver.
+    void scheduleDueInTheRealPast(std::size_t count) {
+        m_clock.set(SystemClock().now() - std::chrono::days(10));
+        for (std::size_t i = 0; i < count; ++i) {
+            service("site-" + std::to_string(i) + ".com",
+                    m_clock.now() + std::chrono::days(5) + std::chrono::minutes(i));
+        }
+        schedule();
+        m_center.flush();
+    }
+
     std::map<std::string, NotificationRequest> pendingById() {
         std::map<std::string, NotificationRequest> byId;
         for (NotificationRequest& request : m_center.pendingRequests()) {
@@ -435,18 +447,11 @@ TEST_F(ReminderTest, DueRemindersArriveInTheOrderTheyFellDueWhateverTheServiceOr
 TEST_F(ReminderTest, TimerCommandDeliversWhileClosedAndNeverTwiceAlongsideTheProgram) {
     NotificationServerProcess server;
     ASSERT_TRUE(server.ready());
-    // Reminders due in the real past, since the command reads the real clock: both reminders of
-    // 150 services, enough that the runs below overlap for a good while.
+    // 150 services: enough that the runs below overlap for a good while.
     constexpr std::size_t serviceCount = 150;
     constexpr std::size_t reminderCount = 2 * serviceCount;
     const SystemClock systemClock;
-    m_clock.set(systemClock.now() - days(10));
-    for (std::size_t i = 0; i < serviceCount; ++i) {
-        service("site-" + std::to_string(i) + ".com",
-                m_clock.now() + days(5) + minutes(static_cast<int>(i)));
-    }
-    schedule();
-    m_center.flush();
+    scheduleDueInTheRealPast(serviceCount);
     ASSERT_EQ(m_center.pendingRequests().size(), reminderCount);
 
     // Three timer runs and the program, all at once: each reminder must arrive exactly once.
@@ -494,17 +499,10 @@ TEST_F(ReminderTest, TimerCommandDeliversWhileClosedAndNeverTwiceAlongsideThePro
 TEST_F(ReminderTest, ProgramTickDuringARebuildsWriteAndTheTimerCommandShowEachReminderOnce) {
     NotificationServerProcess server;
     ASSERT_TRUE(server.ready());
-    // As in the test above: reminders due in the real past for the command's real clock.
     constexpr std::size_t serviceCount = 400;
     constexpr std::size_t reminderCount = 2 * serviceCount;
     const SystemClock systemClock;
-    m_clock.set(systemClock.now() - days(10));
-    for (std::size_t i = 0; i < serviceCount; ++i) {
-        service("site-" + std::to_string(i) + ".com",
-                m_clock.now() + days(5) + minutes(static_cast<int>(i)));
-    }
-    schedule();
-    m_center.flush();
+    scheduleDueInTheRealPast(serviceCount);
     m_center.watchActivations();
     QSignalSpy activated(&m_center, &DesktopNotificationCenter::activated);
 
