@@ -1,6 +1,5 @@
 #include "MainWindow.h"
 #include "ScreenFixture.h"
-#include "components/OrgAvatar.h"
 #include "components/RowListView.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
@@ -10,7 +9,6 @@
 #include "screens/OrganizationGridView.h"
 
 #include <QLineEdit>
-#include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTabBar>
@@ -52,9 +50,6 @@ TEST_F(OrganizationViewsTest, TheKeyboardFocusTurnsACardAndReturnOpensIt) {
 
 TEST_F(OrganizationViewsTest, TheSheetKeepsItsButtonDisabledForABlankNameAndSavesWithReturn) {
     OrganizationFormSheet sheet(context());
-    EXPECT_EQ(sheet.size(), QSize(520, 620));
-    EXPECT_EQ(sheet.windowTitle(), QStringLiteral("New Organization"));
-    EXPECT_EQ(sheet.saveButton()->text(), QStringLiteral("Create Organization"));
     sheet.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&sheet));
     EXPECT_FALSE(sheet.saveButton()->isEnabled());
@@ -72,24 +67,6 @@ TEST_F(OrganizationViewsTest, TheSheetKeepsItsButtonDisabledForABlankNameAndSave
     EXPECT_EQ(store().fetchOrganizations(true)[0]->name, "Acme");
     EXPECT_EQ(store().fetchOrganizations(true)[0]->tags,
               (std::vector<std::string>{"web", "client", "vip"}));
-}
-
-TEST_F(OrganizationViewsTest, CorruptLogoBytesShowTheInitials) {
-    Organization& acme = addOrganization("acme corp ltd");
-    store().setLogo(acme, std::vector<std::uint8_t>{0x89, 'P', 'N', 'G', 0, 1, 2, 3});
-    EXPECT_TRUE(OrgAvatar::logo(store(), acme).isNull());
-
-    // The avatar is the gradient of the organization's colour, not a blank or broken image.
-    QImage image(56, 56, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    OrgAvatar::paint(painter, QRectF(0, 0, 56, 56), store(), acme);
-    painter.end();
-    const Palette::Rgb rgb = Palette::rgb(acme.avatarColor());
-    const QColor corner = image.pixelColor(14, 14);
-    EXPECT_EQ(corner.alpha(), 255);
-    EXPECT_NEAR(corner.hueF(), QColor(rgb.red, rgb.green, rgb.blue).hueF(), 0.05);
-    EXPECT_EQ(acme.initials(), "AC");
 }
 
 TEST_F(OrganizationViewsTest, TheDetailTabsFollowTheNavigationStateAndNotesAreSavedAsTyped) {
