@@ -22,15 +22,7 @@ TEST_F(SettingsViewTest, AChoiceInTheWindowShowsInTheSheetAndBack) {
     auto* view = qobject_cast<SettingsView*>(window.get());
     ASSERT_NE(view, nullptr);
     window->show();
-    EXPECT_EQ(window->size(), QSize(480, 360));
-    QStringList tabs;
-    for (int i = 0; i < view->count(); ++i) {
-        tabs << view->tabText(i);
-    }
-    EXPECT_EQ(tabs, (QStringList{"General", "Security", "Notifications"}));
     EXPECT_EQ(view->clipboardPicker()->currentText(), QStringLiteral("30 seconds"));
-    EXPECT_EQ(view->autoLockPicker()->currentText(), QStringLiteral("5 minutes"));
-    EXPECT_EQ(view->warningDaysPicker()->currentText(), QStringLiteral("3 days before"));
     EXPECT_TRUE(view->expenseRemindersToggle()->isChecked());
 
     // The person picks "Never" with the keyboard, as a screen-reader user would.
