@@ -66,9 +66,7 @@ TEST_F(ServiceScreensWidgetTest, RevealKeepsTheFocusOnItsButtonAndDeleteAsksFirs
     button(view, QStringLiteral("Delete Service"))->click();
     auto* box = view.findChild<QMessageBox*>();
     ASSERT_NE(box, nullptr);
-    EXPECT_EQ(box->windowTitle(), QStringLiteral("Delete Service"));
-    EXPECT_EQ(box->text(), QStringLiteral("This will permanently delete \"Mail server\" and its "
-                                          "secrets. This cannot be undone."));
+    EXPECT_TRUE(box->text().contains(QStringLiteral("\"Mail server\""))) << "asks about this one";
     EXPECT_EQ(store().fetchAllServices().size(), 1U) << "nothing is deleted before the answer";
     for (QAbstractButton* button : box->buttons()) {
         if (button->text() == QStringLiteral("Delete")) {
