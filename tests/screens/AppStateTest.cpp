@@ -16,7 +16,6 @@ using namespace std::chrono_literals;
 
 class AppStateTest : public ScreenFixture {
 protected:
-    std::optional<std::string> clipboardText() const { return m_clipboard.text(); }
     int countChanges(const std::function<void()>& action) {
         int changes = 0;
         const ScopedConnection counting(m_state.changed, [&changes] { ++changes; });

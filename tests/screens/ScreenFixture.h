@@ -35,6 +35,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace vorlane::testing {
 
@@ -90,6 +91,17 @@ protected:
         m_passwords.set(m_authenticator->userName(), userPassword);
         m_auth.connectPlatform(*m_authenticator, m_authLoop);
     }
+
+    // The titles of `services`, in their order.
+    static std::vector<std::string> titlesOf(const std::vector<ServiceRecord*>& services) {
+        std::vector<std::string> titles;
+        for (const ServiceRecord* service : services) {
+            titles.push_back(service->title);
+        }
+        return titles;
+    }
+
+    std::optional<std::string> clipboardText() const { return m_clipboard.text(); }
 
     // Runs the Qt event loop (and the manual timers' posted work) until `done` holds.
     static bool waitFor(const std::function<bool()>& done, int timeoutMs = 10000) {

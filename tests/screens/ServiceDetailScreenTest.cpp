@@ -60,8 +60,6 @@ protected:
         ADD_FAILURE() << "no row for field " << static_cast<int>(field);
         return {};
     }
-
-    std::optional<std::string> clipboardText() const { return m_clipboard.text(); }
 };
 
 TEST_F(ServiceDetailScreenTest, SectionsListWhatTheServiceHasInOrderWithTheTextsShown) {

@@ -39,8 +39,6 @@ protected:
         return item && item->enabled;
     }
 
-    std::optional<std::string> clipboardText() const { return m_clipboard.text(); }
-
     ServiceRecord* m_opened = nullptr;
 };
 
