@@ -70,7 +70,6 @@ TEST_F(OrganizationGridScreenTest, EachOrderBreaksTiesByName) {
     EXPECT_EQ(names(screen), (std::vector<std::string>{"Bravo", "alpha", "Charlie", "Delta"}));
     screen.setSortOrder(SortOrder::recent);
     EXPECT_EQ(names(screen), (std::vector<std::string>{"Charlie", "Delta", "alpha", "Bravo"}));
-    EXPECT_EQ(OrganizationGridScreen::label(SortOrder::services), "Services");
 }
 
 TEST_F(OrganizationGridScreenTest, CaptionCountsTitlesAndEmptyStatesFollowTheFilter) {
@@ -78,8 +77,6 @@ TEST_F(OrganizationGridScreenTest, CaptionCountsTitlesAndEmptyStatesFollowTheFil
     EXPECT_EQ(screen.title(), "Organizations");
     ASSERT_TRUE(screen.emptyState());
     EXPECT_EQ(screen.emptyState()->title, "No Organizations Yet");
-    EXPECT_EQ(screen.emptyState()->message,
-              "Add your first client organization to start managing credentials.");
 
     Organization& acme = addOrganization("Acme");
     screen.rebuild();
@@ -96,10 +93,7 @@ TEST_F(OrganizationGridScreenTest, CaptionCountsTitlesAndEmptyStatesFollowTheFil
     auto favorites = grid(OrganizationFilter::favorites);
     EXPECT_EQ(favorites.title(), "Favorites");
     ASSERT_TRUE(favorites.emptyState());
-    EXPECT_EQ(favorites.emptyState()->icon, "building.2");
     EXPECT_EQ(favorites.emptyState()->title, "No Favorites");
-    EXPECT_EQ(favorites.emptyState()->message, "Star organizations to add them to your favorites.");
-    EXPECT_EQ(favorites.emptyState()->actionTitle, "Add Organization");
     favorites.performEmptyStateAction();
     EXPECT_TRUE(m_state.showingNewOrganization());
 
@@ -167,16 +161,8 @@ TEST_F(OrganizationGridScreenTest, ArchiveMovesItToTheArchiveAndRestoreBringsItB
     EXPECT_EQ(names(screen), std::vector<std::string>{"Beta"});
     ASSERT_EQ(store().fetchArchivedOrganizations(), std::vector<Organization*>{&acme});
 
-    // The archive shows the same menu, with "Restore" where "Archive" was.
-    const auto menu = OrganizationActions::menu(acme);
-    std::vector<std::string> titles;
-    for (const auto& item : menu) {
-        titles.push_back(item.action ? item.title : "-");
-    }
-    EXPECT_EQ(titles, (std::vector<std::string>{"Open", "-", "Add to Favorites", "Edit", "Share",
-                                                "-", "Restore", "Delete"}));
-    EXPECT_TRUE(menu.back().destructive);
-    OrganizationActions(store(), m_state).perform(*menu[6].action, acme);
+    // An archived organization's menu offers "Restore" where "Archive" was (ArchiveScreenTest).
+    OrganizationActions(store(), m_state).perform(Action::restore, acme);
     screen.rebuild();
     EXPECT_EQ(names(screen), (std::vector<std::string>{"Acme", "Beta"}));
     EXPECT_TRUE(store().fetchArchivedOrganizations().empty());
