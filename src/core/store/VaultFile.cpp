@@ -661,7 +661,7 @@ bool VaultFile::readRecords(VaultContext& context, std::string& error) {
         bool read = false;
         std::thread reading([&] {
             // The records' strings are allocated on this thread.
-            HugePages::prepareHeap(serviceCount * heapBytesPerService);
+            const HugePages::PreparedHeap heap(serviceCount * heapBytesPerService);
             std::vector<Row> batch;
             batch.reserve(batchSize);
             read = readTable("services", selectSql("services", serviceColumns),

@@ -19,10 +19,11 @@ void HugePages::advise(void* data, std::size_t bytes) {
     }
 }
 
-void HugePages::prepareHeap(std::size_t bytes) {
+HugePages::PreparedHeap::PreparedHeap(std::size_t bytes) {
     if (bytes < 2 * size) {
         return;
     }
+    m_prepared = true;
     // The heap is grown in pieces that malloc serves from the heap itself: below the mmap
     // threshold (raised to glibc's largest), since a piece mapped on its own would go back to
     // the system when freed, advice and all. The trim threshold keeps the freed pieces in the
@@ -31,7 +32,7 @@ void HugePages::prepareHeap(std::size_t bytes) {
     constexpr int largestMmapThreshold = 32 << 20;
     ::mallopt(M_MMAP_THRESHOLD, largestMmapThreshold);
     ::mallopt(M_TRIM_THRESHOLD,
-              static_cast<int>(std::min<std::size_t>(2 * bytes + piece, 1u << 30)));
+              static_cast<int>(std::min<std::size_t>(2 * bytes + piece, std::size_t{1} << 30)));
     std::vector<void*> pieces;
     for (std::size_t held = 0; held < bytes; held += piece) {
         void* grown = std::malloc(piece);
@@ -44,6 +45,15 @@ void HugePages::prepareHeap(std::size_t bytes) {
     // Newest first: each freed piece joins the free space at the top of the heap.
     for (auto it = pieces.rbegin(); it != pieces.rend(); ++it) {
         std::free(*it);
+    }
+}
+
+HugePages::PreparedHeap::~PreparedHeap() {
+    if (m_prepared) {
+        // glibc's defaults for both (128 KiB).
+        constexpr int defaultThreshold = 128 * 1024;
+        ::mallopt(M_MMAP_THRESHOLD, defaultThreshold);
+        ::mallopt(M_TRIM_THRESHOLD, defaultThreshold);
     }
 }
 

@@ -18,11 +18,22 @@ public:
     // them).
     static void advise(void* data, std::size_t bytes);
 
-    // Readies the calling thread's heap for about `bytes` of small allocations to come (the
-    // strings of records being read): the heap grows by that much at once, on huge pages, and
-    // malloc keeps it for what follows instead of handing it back to the system. Less than a
-    // few huge pages' worth is not worth it and does nothing.
-    static void prepareHeap(std::size_t bytes);
+    // While it lives, the calling thread's heap is ready for about `bytes` of small allocations
+    // (the strings of records being read): it grows by that much at once, on huge pages, and
+    // malloc keeps it for them instead of handing it back to the system. When it goes, malloc's
+    // thresholds are back to their defaults, so that memory freed later (a rebuild's temporary
+    // lists) goes back to the system again. Less than a few huge pages' worth is not worth it and
+    // does nothing. One at a time in a process.
+    class PreparedHeap {
+    public:
+        explicit PreparedHeap(std::size_t bytes);
+        ~PreparedHeap();
+        PreparedHeap(const PreparedHeap&) = delete;
+        PreparedHeap& operator=(const PreparedHeap&) = delete;
+
+    private:
+        bool m_prepared = false;
+    };
 };
 
 } // namespace vorlane
