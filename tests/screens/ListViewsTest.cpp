@@ -3,6 +3,7 @@
 // the lists follow the store and the query, and Return on a row does what choosing it does.
 
 #include "ScreenFixture.h"
+#include "WidgetLookup.h"
 #include "components/EmptyStateView.h"
 #include "components/RowListView.h"
 #include "components/ServiceTypePicker.h"
@@ -12,20 +13,9 @@
 #include "screens/ArchiveView.h"
 #include "screens/GlobalSearchView.h"
 
-#include <QLabel>
-#include <QPushButton>
 
 namespace vorlane::testing {
 namespace {
-
-bool showsText(const QWidget& widget, const QString& text) {
-    for (const QLabel* label : widget.findChildren<QLabel*>()) {
-        if (label->isVisible() && label->text() == text) {
-            return true;
-        }
-    }
-    return false;
-}
 
 class ListViewsTest : public ScreenFixture {};
 
@@ -38,7 +28,7 @@ TEST_F(ListViewsTest, AllCredentialsFilterToNothingShowsOnlyTheEmptyStateUntilAS
     auto* picker = view.findChild<ServiceTypePicker*>();
     auto* empty = view.findChild<EmptyStateView*>();
     ASSERT_TRUE(picker && empty);
-    EXPECT_TRUE(showsText(view, QStringLiteral("1 items")));
+    EXPECT_TRUE(showsLabel(view, QStringLiteral("1 items")));
     EXPECT_FALSE(empty->isVisible());
 
     picker->setSelectedType(ServiceType::apiKey);
@@ -52,7 +42,7 @@ TEST_F(ListViewsTest, AllCredentialsFilterToNothingShowsOnlyTheEmptyStateUntilAS
     addService(owner, "stripe", [](ServiceRecord& s) { s.setServiceType(ServiceType::apiKey); });
     EXPECT_FALSE(empty->isVisible()) << "the store's change redraws the screen";
     EXPECT_EQ(view.list()->model()->rowCount(), 1);
-    EXPECT_TRUE(showsText(view, QStringLiteral("1 items")));
+    EXPECT_TRUE(showsLabel(view, QStringLiteral("1 items")));
 
     view.list()->setFocus();
     view.list()->setCurrentIndex(view.list()->model()->index(0, 0));
@@ -69,13 +59,13 @@ TEST_F(ListViewsTest, SearchFollowsTheQueryAndReturnOnAResultEndsTheSearch) {
     GlobalSearchView view(context());
     view.resize(900, 600);
     view.show();
-    EXPECT_TRUE(showsText(view, QStringLiteral("Results for \"acme\"")));
-    EXPECT_TRUE(showsText(view, QStringLiteral("2 results")));
+    EXPECT_TRUE(showsLabel(view, QStringLiteral("Results for \"acme\"")));
+    EXPECT_TRUE(showsLabel(view, QStringLiteral("2 results")));
     // Header, the organization, header, its service.
     ASSERT_EQ(view.list()->model()->rowCount(), 4);
 
     m_state.setSearchQuery("acme-nothing");
-    EXPECT_TRUE(showsText(view, QStringLiteral("0 results")));
+    EXPECT_TRUE(showsLabel(view, QStringLiteral("0 results")));
     EXPECT_TRUE(view.findChild<EmptyStateView*>()->isVisible());
 
     m_state.setSearchQuery("relay");
