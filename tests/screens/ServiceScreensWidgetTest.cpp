@@ -3,6 +3,7 @@
 
 #include "MainWindow.h"
 #include "ScreenFixture.h"
+#include "WidgetLookup.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 #include "screens/ServiceDetailView.h"
@@ -19,26 +20,6 @@
 namespace vorlane::testing {
 namespace {
 
-template <typename T> T* named(const QWidget& parent, const QString& name) {
-    for (T* child : parent.findChildren<T*>()) {
-        if (child->accessibleName() == name) {
-            return child;
-        }
-    }
-    ADD_FAILURE() << "no child named " << name.toStdString();
-    return nullptr;
-}
-
-QPushButton* button(const QWidget& parent, const QString& text) {
-    for (QPushButton* each : parent.findChildren<QPushButton*>()) {
-        if (each->text() == text) {
-            return each;
-        }
-    }
-    ADD_FAILURE() << "no button " << text.toStdString();
-    return nullptr;
-}
-
 class ServiceScreensWidgetTest : public ScreenFixture {};
 
 TEST_F(ServiceScreensWidgetTest, RevealKeepsTheFocusOnItsButtonAndDeleteAsksFirst) {
@@ -52,8 +33,8 @@ TEST_F(ServiceScreensWidgetTest, RevealKeepsTheFocusOnItsButtonAndDeleteAsksFirs
     ServiceDetailView view(context(), service);
     view.show();
 
-    QToolButton* reveal = named<QToolButton>(view, QStringLiteral("Reveal Password"));
-    QLabel* value = named<QLabel>(view, QStringLiteral("Password"));
+    QToolButton* reveal = childNamed<QToolButton>(view, QStringLiteral("Reveal Password"));
+    QLabel* value = childNamed<QLabel>(view, QStringLiteral("Password"));
     ASSERT_TRUE(reveal && value);
     EXPECT_EQ(value->text().toStdString(), ServiceDetailScreen::maskedText);
     reveal->setFocus();
@@ -63,7 +44,7 @@ TEST_F(ServiceScreensWidgetTest, RevealKeepsTheFocusOnItsButtonAndDeleteAsksFirs
     EXPECT_EQ(reveal->text(), QStringLiteral("Hide"));
     EXPECT_EQ(QApplication::focusWidget(), reveal) << "the row was updated, not rebuilt";
 
-    button(view, QStringLiteral("Delete Service"))->click();
+    buttonTitled(view, QStringLiteral("Delete Service"))->click();
     auto* box = view.findChild<QMessageBox*>();
     ASSERT_NE(box, nullptr);
     EXPECT_TRUE(box->text().contains(QStringLiteral("\"Mail server\""))) << "asks about this one";
@@ -82,8 +63,8 @@ TEST_F(ServiceScreensWidgetTest, TheSheetShowsWhatIsWrongBesideTheFieldAndSavesW
     m_state.setSelectedOrganization(&acme);
     ServiceFormSheet sheet(context());
     sheet.show();
-    QLineEdit* title = named<QLineEdit>(sheet, QStringLiteral("Title"));
-    QLineEdit* port = named<QLineEdit>(sheet, QStringLiteral("Port"));
+    QLineEdit* title = childNamed<QLineEdit>(sheet, QStringLiteral("Title"));
+    QLineEdit* port = childNamed<QLineEdit>(sheet, QStringLiteral("Port"));
     ASSERT_TRUE(title && port);
     EXPECT_FALSE(sheet.saveButton()->isEnabled()) << "no title yet";
 
@@ -91,22 +72,14 @@ TEST_F(ServiceScreensWidgetTest, TheSheetShowsWhatIsWrongBesideTheFieldAndSavesW
     EXPECT_TRUE(sheet.saveButton()->isEnabled());
     QTest::keyClicks(port, QStringLiteral("70000"));
     EXPECT_FALSE(sheet.saveButton()->isEnabled());
-    const auto visibleTexts = [&] {
-        QStringList texts;
-        for (const QLabel* label : sheet.findChildren<QLabel*>()) {
-            if (label->isVisible()) {
-                texts << label->text();
-            }
-        }
-        return texts;
-    };
-    EXPECT_TRUE(visibleTexts().contains(QStringLiteral("Enter a whole number from 0 to 65535.")));
+    const QString portError = QStringLiteral("Enter a whole number from 0 to 65535.");
+    EXPECT_TRUE(showsLabel(sheet, portError));
 
     port->clear();
     QTest::keyClicks(port, QStringLiteral("443"));
-    EXPECT_FALSE(visibleTexts().contains(QStringLiteral("Enter a whole number from 0 to 65535.")));
-    named<QPushButton>(sheet, QStringLiteral("Generate Password"))->click();
-    EXPECT_EQ(named<QLineEdit>(sheet, QStringLiteral("Password"))->text().size(), 20);
+    EXPECT_FALSE(showsLabel(sheet, portError));
+    childNamed<QPushButton>(sheet, QStringLiteral("Generate Password"))->click();
+    EXPECT_EQ(childNamed<QLineEdit>(sheet, QStringLiteral("Password"))->text().size(), 20);
     QTest::keyClick(port, Qt::Key_Return);
     EXPECT_EQ(sheet.result(), QDialog::Accepted) << "Return presses the save button";
     ASSERT_EQ(acme.services.size(), 1U);
@@ -124,7 +97,7 @@ TEST_F(ServiceScreensWidgetTest, EditFromTheRowMenuOpensTheFormAndClosingItEndsT
     QDialog* sheet = window.sheet(Sheet::newService);
     ASSERT_NE(sheet, nullptr);
     EXPECT_EQ(sheet->windowTitle(), QStringLiteral("Edit Service"));
-    EXPECT_EQ(named<QLineEdit>(*sheet, QStringLiteral("Title"))->text(), QStringLiteral("DB"));
+    EXPECT_EQ(childNamed<QLineEdit>(*sheet, QStringLiteral("Title"))->text(), QStringLiteral("DB"));
     sheet->reject();
     EXPECT_EQ(m_state.editingService(), nullptr);
     EXPECT_FALSE(m_state.showingNewService());
