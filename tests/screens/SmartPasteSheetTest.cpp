@@ -1,6 +1,7 @@
 #include "screens/SmartPasteSheet.h"
 
 #include "ScreenFixture.h"
+#include "WidgetLookup.h"
 #include "model/Organization.h"
 
 #include <QClipboard>
@@ -15,22 +16,8 @@ namespace {
 
 class SmartPasteSheetTest : public ScreenFixture {
 protected:
-    static QPushButton* button(QWidget& sheet, const QString& text) {
-        for (QPushButton* candidate : sheet.findChildren<QPushButton*>()) {
-            if (candidate->text() == text) {
-                return candidate;
-            }
-        }
-        return nullptr;
-    }
     static QPlainTextEdit* pastedText(QWidget& sheet) {
-        for (QPlainTextEdit* editor : sheet.findChildren<QPlainTextEdit*>()) {
-            if (editor->accessibleName() == QStringLiteral("Pasted text")) {
-                return editor;
-            }
-        }
-        ADD_FAILURE() << "no editor for the pasted text";
-        return nullptr;
+        return childNamed<QPlainTextEdit>(sheet, QStringLiteral("Pasted text"));
     }
 };
 
@@ -41,19 +28,19 @@ TEST_F(SmartPasteSheetTest, APersonPastesReviewsChoosesTheClientAndSaves) {
     sheet.show();
 
     QGuiApplication::clipboard()->clear();
-    QTest::mouseClick(button(sheet, QStringLiteral("Paste from Clipboard")), Qt::LeftButton);
+    QTest::mouseClick(buttonTitled(sheet, QStringLiteral("Paste from Clipboard")), Qt::LeftButton);
     EXPECT_TRUE(pastedText(sheet)->toPlainText().isEmpty());
 
     QGuiApplication::clipboard()->setText(
         QStringLiteral("Host: files.example\nUsername: deploy\nPassword: pw-123\n"));
-    QTest::mouseClick(button(sheet, QStringLiteral("Paste from Clipboard")), Qt::LeftButton);
-    QPushButton* parse = button(sheet, QStringLiteral("Parse"));
+    QTest::mouseClick(buttonTitled(sheet, QStringLiteral("Paste from Clipboard")), Qt::LeftButton);
+    QPushButton* parse = buttonTitled(sheet, QStringLiteral("Parse"));
     ASSERT_NE(parse, nullptr);
     ASSERT_TRUE(parse->isEnabled());
     QTest::mouseClick(parse, Qt::LeftButton);
 
     ASSERT_EQ(sheet.flow().step(), SmartPasteFlow::Step::review);
-    QPushButton* save = button(sheet, QStringLiteral("Save Credential"));
+    QPushButton* save = buttonTitled(sheet, QStringLiteral("Save Credential"));
     ASSERT_NE(save, nullptr);
     EXPECT_FALSE(save->isEnabled());
     auto* organizations = sheet.findChild<QComboBox*>();
@@ -76,7 +63,7 @@ TEST_F(SmartPasteSheetTest, AHugePasteIsParsedOffTheMainThreadAndApplied) {
     // A megabyte built to make the domain pattern backtrack, in lines as a real paste comes.
     text += (QString(QStringLiteral("a.a.a.")).repeated(1000) + u'\n').repeated(170);
     pastedText(sheet)->setPlainText(text);
-    QPushButton* parse = button(sheet, QStringLiteral("Parse"));
+    QPushButton* parse = buttonTitled(sheet, QStringLiteral("Parse"));
     ASSERT_TRUE(parse->isEnabled());
     QTest::mouseClick(parse, Qt::LeftButton);
     EXPECT_EQ(sheet.flow().step(), SmartPasteFlow::Step::paste) << "still parsing";
