@@ -1,5 +1,6 @@
 #include "MainWindow.h"
 #include "ScreenFixture.h"
+#include "WidgetLookup.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 #include "screens/OrganizationFormSheet.h"
@@ -169,16 +170,6 @@ void expectReadingOrder(QWidget& sheet, const QString& name) {
     }
 }
 
-QPushButton* visibleButton(QWidget& sheet, const QString& text) {
-    for (QPushButton* button : sheet.findChildren<QPushButton*>()) {
-        if (button->text() == text && button->isVisible()) {
-            return button;
-        }
-    }
-    ADD_FAILURE() << "no button " << text.toStdString();
-    return nullptr;
-}
-
 class AccessibilityTest : public ScreenFixture {
 protected:
     AccessibilityTest()
@@ -310,8 +301,8 @@ TEST_F(AccessibilityTest, TheSheetsTabInReadingOrderAndTheirLaterStepsAreNamed) 
     expectReadingOrder(paste, QStringLiteral("smart paste, paste step"));
     QGuiApplication::clipboard()->setText(
         QStringLiteral("Host: files.example\nUsername: deploy\nPassword: pw-123\n"));
-    QTest::mouseClick(visibleButton(paste, QStringLiteral("Paste from Clipboard")), Qt::LeftButton);
-    QTest::mouseClick(visibleButton(paste, QStringLiteral("Parse")), Qt::LeftButton);
+    QTest::mouseClick(buttonTitled(paste, QStringLiteral("Paste from Clipboard")), Qt::LeftButton);
+    QTest::mouseClick(buttonTitled(paste, QStringLiteral("Parse")), Qt::LeftButton);
     ASSERT_EQ(paste.flow().step(), SmartPasteFlow::Step::review);
     expectEverythingNamed(paste, QStringLiteral("smart paste, review step"));
     expectReadingOrder(paste, QStringLiteral("smart paste, review step"));
@@ -320,13 +311,13 @@ TEST_F(AccessibilityTest, TheSheetsTabInReadingOrderAndTheirLaterStepsAreNamed) 
     share.show();
     expectReadingOrder(share, QStringLiteral("share, choose step"));
     share.findChild<QListWidget*>()->item(0)->setCheckState(Qt::Checked);
-    QTest::mouseClick(visibleButton(share, QStringLiteral("Next")), Qt::LeftButton);
+    QTest::mouseClick(buttonTitled(share, QStringLiteral("Next")), Qt::LeftButton);
     for (QCheckBox* box : share.findChildren<QCheckBox*>()) {
         box->setChecked(true); // every option shown, the export password among them
     }
     expectEverythingNamed(share, QStringLiteral("share, configure step"));
     expectReadingOrder(share, QStringLiteral("share, configure step"));
-    QTest::mouseClick(visibleButton(share, QStringLiteral("Review")), Qt::LeftButton);
+    QTest::mouseClick(buttonTitled(share, QStringLiteral("Review")), Qt::LeftButton);
     expectEverythingNamed(share, QStringLiteral("share, review step"));
     expectReadingOrder(share, QStringLiteral("share, review step"));
 }
