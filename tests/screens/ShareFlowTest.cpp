@@ -2,6 +2,7 @@
 
 #include "RunCommand.h"
 #include "ScreenFixture.h"
+#include "WidgetLookup.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 #include "model/ShareRecord.h"
@@ -9,7 +10,6 @@
 #include "util/Decimal.h"
 
 #include <QCheckBox>
-#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
@@ -61,15 +61,15 @@ protected:
 
     std::string folder() const { return m_folder.path().toStdString(); }
 
-    // Presses the visible button with this text, as a person would; false when there is none.
+    // Presses the visible button with this text, as a person would; false when there is none
+    // or it is disabled.
     static bool press(QWidget& sheet, const QString& text) {
-        for (QPushButton* button : sheet.findChildren<QPushButton*>()) {
-            if (button->text() == text && button->isVisible() && button->isEnabled()) {
-                QTest::mouseClick(button, Qt::LeftButton);
-                return true;
-            }
+        QPushButton* button = buttonTitled(sheet, text);
+        if (button == nullptr || !button->isEnabled()) {
+            return false;
         }
-        return false;
+        QTest::mouseClick(button, Qt::LeftButton);
+        return true;
     }
 
     // Ticks the first service in the sheet's list and goes on to the configure step.
@@ -239,11 +239,8 @@ TEST_F(ShareFlowTest, TheSheetWritesABundleThatOpenBundleReadsBack) {
             box->setChecked(true);
         }
     }
-    for (QLineEdit* field : sheet.findChildren<QLineEdit*>()) {
-        if (field->accessibleName() == QStringLiteral("Export password")) {
-            QTest::keyClicks(field, QStringLiteral("export pass"));
-        }
-    }
+    QTest::keyClicks(childNamed<QLineEdit>(sheet, QStringLiteral("Export password")),
+                     QStringLiteral("export pass"));
     ASSERT_TRUE(press(sheet, QStringLiteral("Review")));
     ASSERT_TRUE(press(sheet, QStringLiteral("Export && Share")));
     ASSERT_TRUE(waitFor([&] { return !m_acme.shareHistory.empty(); }));
@@ -267,12 +264,7 @@ TEST_F(ShareFlowTest, TheSheetShowsAFailedWriteAndLeavesNoFile) {
     const ShareFlow& share = sheet.flow();
     ASSERT_TRUE(share.exportError().has_value());
     EXPECT_EQ(share.exportError()->rfind("The export could not be saved: ", 0), 0U);
-    bool shown = false;
-    for (QLabel* label : sheet.findChildren<QLabel*>()) {
-        shown |=
-            label->isVisible() && label->text() == QString::fromStdString(*share.exportError());
-    }
-    EXPECT_TRUE(shown);
+    EXPECT_TRUE(showsLabel(sheet, QString::fromStdString(*share.exportError())));
     EXPECT_TRUE(sheet.isVisible());
     EXPECT_TRUE(m_acme.shareHistory.empty());
     EXPECT_FALSE(std::filesystem::exists(path));
