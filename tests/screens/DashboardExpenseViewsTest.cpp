@@ -2,6 +2,7 @@
 // say, follow the store without being rebuilt, and turn clicks and keys into the models' actions.
 
 #include "ScreenFixture.h"
+#include "WidgetLookup.h"
 #include "components/BarChart.h"
 #include "components/RowListView.h"
 #include "model/Organization.h"
@@ -11,8 +12,6 @@
 #include "screens/ExpenseView.h"
 
 #include <QAbstractButton>
-#include <QLabel>
-#include <QPushButton>
 
 #include <chrono>
 
@@ -138,10 +137,7 @@ TEST_F(DashboardExpenseViewsTest, ExpenseViewWithoutCostsShowsOnlyTheEmptyLine) 
     view.show();
     EXPECT_TRUE(view.cardGrid()->isHidden());
     EXPECT_TRUE(view.chart()->isHidden());
-    const QList<QLabel*> labels = view.findChildren<QLabel*>();
-    EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](const QLabel* label) {
-        return label->isVisible() && label->text() == "No services with a cost yet.";
-    }));
+    EXPECT_TRUE(showsLabel(view, QStringLiteral("No services with a cost yet.")));
 }
 
 } // namespace
