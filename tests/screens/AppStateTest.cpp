@@ -49,16 +49,14 @@ TEST_F(AppStateTest, TextCopiedElsewhereInTheMeantimeIsLeftAlone) {
 }
 
 TEST_F(AppStateTest, ANonPositiveDelayArmsNothingButCancelsTheEarlierClear) {
-    m_state.copyToClipboard("first", AppState::clipboardClearDelay);
-    m_state.copyToClipboard("kept", 0);
-    EXPECT_EQ(m_timers.pendingCount(), 0U);
-    m_timers.advance(10min);
-    EXPECT_EQ(clipboardText(), "kept");
-    EXPECT_EQ(m_state.recentlyCopied(), "kept");
-
-    m_state.copyToClipboard("also kept", -5);
-    m_timers.advance(10min);
-    EXPECT_EQ(clipboardText(), "also kept");
+    for (const int delay : {0, -5}) {
+        m_state.copyToClipboard("first", AppState::clipboardClearDelay);
+        m_state.copyToClipboard("kept", delay);
+        EXPECT_EQ(m_timers.pendingCount(), 0U) << delay;
+        m_timers.advance(10min);
+        EXPECT_EQ(clipboardText(), "kept") << delay;
+        EXPECT_EQ(m_state.recentlyCopied(), "kept") << delay;
+    }
 }
 
 TEST_F(AppStateTest, ChangesAreReportedOnlyWhenAFieldReallyChanges) {
