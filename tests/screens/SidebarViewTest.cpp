@@ -78,8 +78,6 @@ TEST_F(SidebarViewTest, TheKeyboardChoosesDestinationsAndOpensOrganizations) {
     EXPECT_EQ(list.currentIndex().row(), rowTitled(list, QStringLiteral("Expiring Soon")));
 
     QToolButton& footer = *sidebar.newOrganizationButton();
-    EXPECT_EQ(footer.text(), QStringLiteral("New Organization"));
-    EXPECT_EQ(footer.toolTip(), QStringLiteral("Add Organization"));
     footer.setFocus();
     QTest::keyClick(&footer, Qt::Key_Space);
     EXPECT_TRUE(m_state.showingNewOrganization());
