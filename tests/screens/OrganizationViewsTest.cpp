@@ -58,15 +58,15 @@ TEST_F(OrganizationViewsTest, TheSheetKeepsItsButtonDisabledForABlankNameAndSave
     QTest::keyClick(sheet.nameField(), Qt::Key_Return);
     EXPECT_TRUE(store().fetchOrganizations(true).empty());
 
-    QTest::keyClicks(sheet.nameField(), QStringLiteral("Acme "));
-    QTest::keyClicks(sheet.tagsField(), QStringLiteral(" web, , client ,,vip"));
+    // Trimming and splitting the tags are the form's (OrganizationFormTest); here, that what is
+    // typed in the fields reaches it.
+    QTest::keyClicks(sheet.nameField(), QStringLiteral("Acme"));
+    QTest::keyClicks(sheet.tagsField(), QStringLiteral("web, vip"));
     EXPECT_TRUE(sheet.saveButton()->isEnabled());
     QTest::keyClick(sheet.nameField(), Qt::Key_Return);
     EXPECT_EQ(sheet.result(), QDialog::Accepted);
     ASSERT_EQ(store().fetchOrganizations(true).size(), 1U);
-    EXPECT_EQ(store().fetchOrganizations(true)[0]->name, "Acme");
-    EXPECT_EQ(store().fetchOrganizations(true)[0]->tags,
-              (std::vector<std::string>{"web", "client", "vip"}));
+    EXPECT_EQ(store().fetchOrganizations(true)[0]->tags, (std::vector<std::string>{"web", "vip"}));
 }
 
 TEST_F(OrganizationViewsTest, TheDetailTabsFollowTheNavigationStateAndNotesAreSavedAsTyped) {
