@@ -13,7 +13,6 @@
 #include "screens/ArchiveView.h"
 #include "screens/GlobalSearchView.h"
 
-
 namespace vorlane::testing {
 namespace {
 
