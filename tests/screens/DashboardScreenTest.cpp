@@ -16,10 +16,6 @@ namespace {
 using namespace std::chrono_literals;
 using ::testing::ElementsAre;
 
-Decimal money(const char* text) {
-    return Decimal::fromString(text).value();
-}
-
 class DashboardScreenTest : public ScreenFixture {
 protected:
     DashboardScreen screen() { return DashboardScreen(store(), m_state, m_calendar); }
@@ -31,11 +27,6 @@ protected:
 
     Instant daysFromNow(int days, std::chrono::milliseconds plus = 0ms) {
         return *m_calendar.adding(UserCalendar::Unit::day, days, m_clock.now()) + plus;
-    }
-
-    void archive(ServiceRecord& service) {
-        service.isArchived = true;
-        store().noteChanged(service);
     }
 
     static std::vector<std::string> alertTexts(const DashboardScreen& dashboard) {
@@ -77,8 +68,7 @@ TEST_F(DashboardScreenTest, StatsCountOrganizationsThatAreNotArchivedAndUseTheSt
         service.yearlyCost = money("100");
         service.setBillingCycle(BillingCycle::annual);
     });
-    old.isArchived = true;
-    store().noteChanged(old);
+    archiveFlag(old);
 
     const DashboardScreen dashboard = screen();
     ASSERT_EQ(dashboard.stats().size(), 4U);
@@ -100,8 +90,8 @@ TEST_F(DashboardScreenTest, AlertsListExpiredThenTheNextThreeDaysWithLevelsFixed
     expiring(acme, "Just past three days", daysFromNow(3, 1min));
     expiring(acme, "Next month", daysFromNow(30, -1min));
     expiring(acme, "Far away", daysFromNow(31));
-    archive(expiring(acme, "Archived and lapsed", daysFromNow(-1)));
-    archive(expiring(acme, "Archived and due", daysFromNow(1)));
+    archiveFlag(expiring(acme, "Archived and lapsed", daysFromNow(-1)));
+    archiveFlag(expiring(acme, "Archived and due", daysFromNow(1)));
 
     DashboardScreen dashboard = screen();
     EXPECT_THAT(alertTexts(dashboard),
@@ -135,7 +125,7 @@ TEST_F(DashboardScreenTest, RecentlyUpdatedKeepsTheFiveLatestNewestFirstAndTitle
     for (const auto& [title, age] : updates) {
         addService(acme, title, [&](ServiceRecord& service) { service.updatedAt = now - age; });
     }
-    archive(addService(acme, "Archived", [&](ServiceRecord& s) { s.updatedAt = now; }));
+    archiveFlag(addService(acme, "Archived", [&](ServiceRecord& s) { s.updatedAt = now; }));
 
     DashboardScreen dashboard = screen();
     // B (1h), G (2h), then D and E both 3h old in title order, then A (5h); F and C are older.
@@ -171,7 +161,7 @@ TEST_F(DashboardScreenTest, CostsDueFallInTheMonthOfEachRenewalAlongTheCycle) {
     add("Beyond the window", utc(2027, 3, 1, 6), "0", "100", BillingCycle::annual);
     add("No cost", utc(2026, 3, 15, 12), "0", "0", BillingCycle::monthly);
     add("One-off", utc(2026, 3, 15, 12), "0", "80", BillingCycle::oneTime);
-    archive(add("Archived", utc(2026, 3, 15, 12), "50", "0", BillingCycle::monthly));
+    archiveFlag(add("Archived", utc(2026, 3, 15, 12), "50", "0", BillingCycle::monthly));
 
     const DashboardScreen dashboard = screen();
     ASSERT_TRUE(dashboard.hasCostsDue());

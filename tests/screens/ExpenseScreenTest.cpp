@@ -15,10 +15,6 @@ namespace {
 using ::testing::ElementsAre;
 using GroupBy = ExpenseScreen::GroupBy;
 
-Decimal money(const char* text) {
-    return Decimal::fromString(text).value();
-}
-
 class ExpenseScreenTest : public ScreenFixture {
 protected:
     // A service that costs `monthly` a month, or, when that is "0", `yearly` a year spread by its
@@ -76,13 +72,11 @@ TEST_F(ExpenseScreenTest, ArchivedServicesAndOrganizationsNeverCount) {
     paid(acme, "Live VPS", "10", "0", BillingCycle::monthly, ServiceType::vps, "Hetzner");
     ServiceRecord& old =
         paid(acme, "Old VPS", "99", "0", BillingCycle::monthly, ServiceType::vps, "Hetzner");
-    old.isArchived = true;
-    store().noteChanged(old);
+    archiveFlag(old);
     Organization& gone = addOrganization("Gone Ltd");
     paid(gone, "Orphaned mailbox", "5", "0", BillingCycle::monthly, ServiceType::mailbox,
          "Hetzner");
-    gone.isArchived = true;
-    store().noteChanged(gone);
+    archiveFlag(gone);
 
     ExpenseScreen screen(store());
     // The store's totals skip archived organizations; the paid services are counted whatever

@@ -92,6 +92,17 @@ protected:
         m_auth.connectPlatform(*m_authenticator, m_authLoop);
     }
 
+    // An amount written as a person types it ("12.50").
+    static Decimal money(const char* text) { return Decimal::fromString(text).value(); }
+
+    // Sets only the archived flag and tells the store (ServiceActions::archive also sets a
+    // service's status); returns the record, so that a test can archive what it just added.
+    template <typename Record> Record& archiveFlag(Record& record) {
+        record.isArchived = true;
+        m_store->noteChanged(record);
+        return record;
+    }
+
     // The titles of `services`, in their order.
     static std::vector<std::string> titlesOf(const std::vector<ServiceRecord*>& services) {
         std::vector<std::string> titles;
