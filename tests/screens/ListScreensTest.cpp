@@ -42,8 +42,7 @@ protected:
         addService(other, "Unrelated",
                    [](ServiceRecord& s) { s.setServiceType(ServiceType::vps); });
         Organization& archived = addOrganization("Acme Archive");
-        archived.isArchived = true;
-        store().noteChanged(archived);
+        archiveFlag(archived);
     }
 };
 
@@ -200,8 +199,7 @@ TEST_F(ArchiveScreenTest, EmptyArchiveThenAnOrganizationRestoredThroughItsMenu) 
 
     ServiceRecord& kept = addService(owner, "web");
     m_actions->archive(addService(owner, "old"));
-    owner.isArchived = true;
-    store().noteChanged(owner);
+    archiveFlag(owner);
     screen.rebuild();
     ASSERT_EQ(screen.organizations().size(), 1U);
     EXPECT_EQ(OrganizationRow::of(*screen.organizations().front()).servicesText, "2 services")
