@@ -60,8 +60,7 @@ TEST_F(SidebarModelTest, EachBadgeCountsWhatItsDestinationLists) {
     addExpiringIn(acme, "Later", 24h * 45);
     addExpiringIn(globex, "Lapsed", -24h * 2);
     ServiceRecord& archived = addExpiringIn(globex, "Archived and lapsed", -24h * 2);
-    archived.isArchived = true;
-    store().noteChanged(archived);
+    archiveFlag(archived);
     addService(acme, "No date");
 
     const SidebarModel model(store(), m_calendar, m_state);
@@ -93,8 +92,7 @@ TEST_F(SidebarModelTest, AnArchiveOfServicesAloneShowsNoBadgeUntilAnOrganization
     EXPECT_FALSE(destination(model, SidebarItem::archive).showsBadge);
     EXPECT_EQ(destination(model, SidebarItem::allCredentials).count, 0U);
 
-    acme.isArchived = true;
-    store().noteChanged(acme);
+    archiveFlag(acme);
     model.refresh();
     EXPECT_EQ(destination(model, SidebarItem::archive).count, 1U);
     EXPECT_TRUE(destination(model, SidebarItem::archive).showsBadge);
@@ -109,8 +107,7 @@ TEST_F(SidebarModelTest, TheQuickListHoldsTheFirstEightOrganizationsByNameNeverA
         addOrganization(name);
     }
     Organization& archived = addOrganization("Aardvark Archive");
-    archived.isArchived = true;
-    store().noteChanged(archived);
+    archiveFlag(archived);
 
     const SidebarModel model(store(), m_calendar, m_state);
     EXPECT_EQ(quickList(model),
