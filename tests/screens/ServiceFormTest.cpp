@@ -238,8 +238,7 @@ TEST_F(ServiceFormTest, EditingKeepsUntouchedSecretsReplacesTypedOnesAndRemovesO
 TEST_F(ServiceFormTest, PreselectsTheRequestedOrganizationAndOffersOnlyLiveOnesBesideIt) {
     Organization& beta = addOrganization("Beta");
     Organization& archived = addOrganization("Zeta");
-    archived.isArchived = true;
-    store().noteChanged(archived);
+    archiveFlag(archived);
 
     m_state.setSelectedOrganization(&beta);
     EXPECT_EQ(ServiceForm(context()).values().organization, &beta);
