@@ -60,8 +60,7 @@ TEST_F(RenewalScreenTest, AllRenewalsBandsEveryDatedLiveServiceWithTheStatedBoun
     dated("a minute ago", now - minutes(1));
     dated("undated", std::nullopt);
     ServiceRecord& archived = dated("archived", now + days(3));
-    archived.isArchived = true;
-    store().noteChanged(archived);
+    archiveFlag(archived);
     Organization& other = addOrganization("Borealis");
     dated("other's", now + days(3), &other);
 
