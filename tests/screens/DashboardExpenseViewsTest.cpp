@@ -87,8 +87,7 @@ TEST_F(DashboardExpenseViewsTest, DashboardFollowsTheStoreAndHidesAlertsWhenTher
     EXPECT_EQ(view.recentList()->model()->rowCount(), 1);
     EXPECT_EQ(view.screen().stats()[2].value, "$12.5");
 
-    added.isArchived = true;
-    store().noteChanged(added);
+    archiveFlag(added);
     EXPECT_TRUE(view.alertList()->isHidden());
     EXPECT_EQ(view.recentList()->model()->rowCount(), 0);
 }
