@@ -89,7 +89,6 @@ TEST_F(ServiceDetailScreenTest, SectionsListWhatTheServiceHasInOrderWithTheTexts
     full.updatedAt = m_clock.now();
     ServiceDetailScreen screen(context(), full);
 
-    EXPECT_EQ(screen.title(), "Main VPS");
     EXPECT_EQ(screen.subtitle(), "VPS · Acme");
     EXPECT_EQ(screen.expirationState(), ExpirationState::upcoming);
     const std::vector<std::pair<std::string, std::string>> expected{
