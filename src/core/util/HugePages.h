@@ -21,9 +21,9 @@ public:
     // While it lives, the calling thread's heap is ready for about `bytes` of small allocations
     // (the strings of records being read): it grows by that much at once, on huge pages, and
     // malloc keeps it for them instead of handing it back to the system. When it goes, malloc's
-    // thresholds are back to their defaults, so that memory freed later (a rebuild's temporary
-    // lists) goes back to the system again. Less than a few huge pages' worth is not worth it and
-    // does nothing. One at a time in a process.
+    // thresholds are set where glibc would have taken them by itself, so that memory freed later
+    // (a rebuild's temporary lists) goes back to the system again. Less than a few huge pages'
+    // worth is not worth it and does nothing. One at a time in a process.
     class PreparedHeap {
     public:
         explicit PreparedHeap(std::size_t bytes);
