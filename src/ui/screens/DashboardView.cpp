@@ -4,6 +4,7 @@
 #include "app/AppContext.h"
 #include "components/BarChart.h"
 #include "components/ListRole.h"
+#include "components/OverviewPage.h"
 #include "components/RowListView.h"
 #include "components/ScreenTitle.h"
 #include "components/SectionHeader.h"
@@ -87,13 +88,7 @@ DashboardView::DashboardView(AppContext& context, QWidget* parent)
     , m_recent(makeList(toQString(DashboardScreen::recentTitle)))
     , m_recentModel(new ServiceListModel(context.calendar, this))
     , m_recentEmpty(quietLabel(DashboardScreen::recentEmptyText)) {
-    setWidgetResizable(true);
-    setFrameShape(QFrame::NoFrame);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
-    layout->setContentsMargins(24, 24, 24, 24);
-    layout->setSpacing(12);
+    QVBoxLayout* layout = OverviewPage::install(*this);
 
     QLabel* title =
         ScreenTitle::create(toQString(DashboardScreen::title), ScreenTitle::Kind::overview);
@@ -139,7 +134,6 @@ DashboardView::DashboardView(AppContext& context, QWidget* parent)
     layout->addWidget(m_recent);
     layout->addWidget(m_recentEmpty);
     layout->addStretch();
-    setWidget(page);
     for (RowListView* list : {m_alerts, m_expiring, m_recent}) {
         followCurrentRow(list);
     }

@@ -3,6 +3,7 @@
 #include "QtText.h"
 #include "app/AppContext.h"
 #include "components/BarChart.h"
+#include "components/OverviewPage.h"
 #include "components/ScreenTitle.h"
 #include "components/StatCardView.h"
 #include "screens/ExpenseCardDelegate.h"
@@ -34,13 +35,7 @@ ExpenseView::ExpenseView(AppContext& context, QWidget* parent)
     , m_grid(new ExpenseCardGrid)
     , m_cards(new ExpenseCardModel(this))
     , m_empty(new QLabel(toQString(ExpenseScreen::emptyText))) {
-    setWidgetResizable(true);
-    setFrameShape(QFrame::NoFrame);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
-    layout->setContentsMargins(24, 24, 24, 24);
-    layout->setSpacing(12);
+    QVBoxLayout* layout = OverviewPage::install(*this);
 
     QLabel* title =
         ScreenTitle::create(toQString(ExpenseScreen::title), ScreenTitle::Kind::overview);
@@ -109,7 +104,6 @@ ExpenseView::ExpenseView(AppContext& context, QWidget* parent)
     layout->addWidget(m_grid);
     layout->setAlignment(m_grid, Qt::AlignTop);
     layout->addStretch();
-    setWidget(page);
 
     connect(m_groupBy, &QButtonGroup::idClicked, this, [this](int id) {
         m_screen.setGroupBy(ExpenseScreen::groupings[static_cast<std::size_t>(id)]);
