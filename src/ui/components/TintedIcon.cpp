@@ -9,17 +9,28 @@
 #include <QWidget>
 
 #include <cmath>
+#include <cstdlib>
+#include <optional>
 
 namespace vorlane {
 
 namespace {
 
-// Breeze draws actions and most small places in one grey; some symbols only exist as full-colour
-// application or device icons, which a tint would flatten into a blob. Those keep their colours.
-bool isMonochrome(const QImage& image) {
+// Breeze draws actions and most small places in one grey, and a few symbols (the key) in one
+// colour: a tint keeps their shape, shading included. Others only exist as full-colour
+// application or device icons, which a tint would flatten into a blob; those keep their colours.
+bool isOneColour(const QImage& image) {
     const QImage argb = image.convertToFormat(QImage::Format_ARGB32);
     qsizetype opaque = 0;
     qsizetype coloured = 0;
+    qsizetype offColour = 0;
+    std::optional<QRgb> first;
+    const auto far = [](QRgb a, QRgb b) {
+        constexpr int tolerance = 48;
+        return std::abs(qRed(a) - qRed(b)) > tolerance ||
+               std::abs(qGreen(a) - qGreen(b)) > tolerance ||
+               std::abs(qBlue(a) - qBlue(b)) > tolerance;
+    };
     for (int y = 0; y < argb.height(); ++y) {
         const auto* line = reinterpret_cast<const QRgb*>(argb.constScanLine(y));
         for (int x = 0; x < argb.width(); ++x) {
@@ -30,9 +41,15 @@ bool isMonochrome(const QImage& image) {
             if (QColor(line[x]).hsvSaturation() > 80) {
                 ++coloured;
             }
+            if (!first) {
+                first = line[x];
+            } else if (far(line[x], *first)) {
+                ++offColour;
+            }
         }
     }
-    return coloured * 10 <= opaque;
+    // Greys alone, or (nearly) every pixel in the first one's colour.
+    return coloured * 10 <= opaque || offColour * 20 <= opaque;
 }
 
 } // namespace
@@ -53,7 +70,7 @@ QPixmap TintedIcon::pixmap(std::string_view symbol, int size, const QColor& colo
     if (tinted.isNull()) {
         return tinted;
     }
-    if (isMonochrome(tinted.toImage())) {
+    if (isOneColour(tinted.toImage())) {
         QPainter painter(&tinted);
         painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
         painter.fillRect(tinted.rect(), color);
