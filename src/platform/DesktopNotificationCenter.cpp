@@ -30,6 +30,27 @@ constexpr uchar criticalUrgency = 2;
 
 using Entry = ReminderSchedule::Entry;
 
+// A server that announces "body-markup" reads the body as a subset of HTML: a title such as
+// "R&D <staging>" would lose its text to tags and entities. Only these three characters start
+// markup there; quotes stay as they are.
+QString escapedForMarkup(const std::string& text) {
+    QString escaped;
+    const QString plain = QString::fromStdString(text);
+    escaped.reserve(plain.size());
+    for (const QChar c : plain) {
+        if (c == u'&') {
+            escaped += QStringLiteral("&amp;");
+        } else if (c == u'<') {
+            escaped += QStringLiteral("&lt;");
+        } else if (c == u'>') {
+            escaped += QStringLiteral("&gt;");
+        } else {
+            escaped += c;
+        }
+    }
+    return escaped;
+}
+
 // One request per identifier: a later one replaces an earlier one in its place.
 std::vector<NotificationRequest> withoutRepeats(std::vector<NotificationRequest> requests) {
     std::unordered_map<std::string_view, std::size_t> position;
@@ -152,6 +173,7 @@ DesktopNotificationCenter::Shown DesktopNotificationCenter::deliver(Instant now,
         return {};
     }
     std::vector<Entry> entries = m_schedule.load();
+    const bool markup = readsBodyMarkup();
     Shown shown;
     for (Entry& entry : entries) {
         if (entry.delivered) {
@@ -161,7 +183,7 @@ DesktopNotificationCenter::Shown DesktopNotificationCenter::deliver(Instant now,
             break; // the rest fall due later still
         }
         QString error;
-        const std::optional<std::uint32_t> id = notify(entry.request, error);
+        const std::optional<std::uint32_t> id = notify(entry.request, markup, error);
         if (!id) {
             std::cerr << "Notification delivery error: " << error.toStdString() << std::endl;
             complete = false;
@@ -199,8 +221,18 @@ std::vector<NotificationRequest> DesktopNotificationCenter::pendingRequests() {
     return requests;
 }
 
+bool DesktopNotificationCenter::readsBodyMarkup() const {
+    const QDBusMessage call = QDBusMessage::createMethodCall(service, objectPath, interface,
+                                                             QStringLiteral("GetCapabilities"));
+    QDBusConnection bus = m_bus;
+    const QDBusMessage reply = bus.call(call, QDBus::Block, static_cast<int>(callTimeout.count()));
+    // No answer: the Notify that follows fails too and says why; escaping is then moot.
+    return reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty() &&
+           reply.arguments().constFirst().toStringList().contains(QStringLiteral("body-markup"));
+}
+
 std::optional<std::uint32_t> DesktopNotificationCenter::notify(const NotificationRequest& request,
-                                                               QString& error) const {
+                                                               bool markup, QString& error) const {
     const bool critical =
         request.interruptionLevel == NotificationRequest::InterruptionLevel::timeSensitive;
     const QVariantMap hints{
@@ -216,7 +248,8 @@ std::optional<std::uint32_t> DesktopNotificationCenter::notify(const Notificatio
     // app_name, replaces_id, app_icon, summary, body, actions, hints, expire_timeout (-1: the
     // server's default). The "default" action is a click on the notification itself.
     call << QStringLiteral("Vorlane") << 0U << QStringLiteral(VORLANE_APP_ID)
-         << QString::fromStdString(request.title) << QString::fromStdString(request.body)
+         << QString::fromStdString(request.title)
+         << (markup ? escapedForMarkup(request.body) : QString::fromStdString(request.body))
          << QStringList{QStringLiteral("default"), QStringLiteral("Open")} << hints << -1;
     // QDBusConnection may be called from any thread: the worker blocks here, not the window.
     QDBusConnection bus = m_bus;

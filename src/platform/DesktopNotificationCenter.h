@@ -86,7 +86,11 @@ private:
     void write(std::vector<NotificationRequest> requests, Instant now) const;
     // Any thread, the lock not held; `complete` false when a request was refused.
     Shown deliver(Instant now, bool& complete) const;
-    std::optional<std::uint32_t> notify(const NotificationRequest& request, QString& error) const;
+    // Whether the notification service reads bodies as markup (its "body-markup" capability).
+    bool readsBodyMarkup() const;
+    // `markup`: escape the body for a service that reads it as markup.
+    std::optional<std::uint32_t> notify(const NotificationRequest& request, bool markup,
+                                        QString& error) const;
     void remember(const Shown& shown);
 
     ReminderSchedule m_schedule;

@@ -2,9 +2,10 @@
 // it is started on and appends every notification it is given to a file, one JSON object a line
 // (summary, body, actions, the hints the tests read, and the id it answered). The tests make it
 // emit ActionInvoked, as a desktop does when a notification is clicked, through a method of its
-// own. Prints "ready" once it owns the name.
+// own. Prints "ready" once it owns the name. CAPABILITIES, comma-separated, is what it says it
+// can do (GetCapabilities); by default what GNOME Shell says, body markup included.
 //
-//   vorlane_test_notification_server RECORD_FILE
+//   vorlane_test_notification_server RECORD_FILE [CAPABILITIES]
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -26,8 +27,9 @@ class NotificationServer : public QObject {
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
 
 public:
-    explicit NotificationServer(QString recordPath)
-        : m_recordPath(std::move(recordPath)) {}
+    NotificationServer(QString recordPath, QStringList capabilities)
+        : m_recordPath(std::move(recordPath))
+        , m_capabilities(std::move(capabilities)) {}
 
 public Q_SLOTS:
     uint Notify(const QString& appName, uint replacesId, const QString& appIcon,
@@ -59,9 +61,7 @@ public Q_SLOTS:
         return id;
     }
 
-    QStringList GetCapabilities() {
-        return {QStringLiteral("body"), QStringLiteral("actions"), QStringLiteral("sound")};
-    }
+    QStringList GetCapabilities() { return m_capabilities; }
 
     QString GetServerInformation(QString& vendor, QString& version, QString& specVersion) {
         vendor = QStringLiteral("Vorlane tests");
@@ -74,6 +74,7 @@ public Q_SLOTS:
 
 private:
     QString m_recordPath;
+    QStringList m_capabilities;
     uint m_lastId = 0;
 };
 
@@ -96,12 +97,16 @@ public Q_SLOTS:
 
 int main(int argc, char* argv[]) {
     QCoreApplication app(argc, argv);
-    if (argc != 2) {
-        std::fprintf(stderr, "usage: %s RECORD_FILE\n", argv[0]);
+    if (argc != 2 && argc != 3) {
+        std::fprintf(stderr, "usage: %s RECORD_FILE [CAPABILITIES]\n", argv[0]);
         return 2;
     }
+    const QStringList capabilities =
+        argc == 3 ? QString::fromLocal8Bit(argv[2]).split(u',', Qt::SkipEmptyParts)
+                  : QStringList{QStringLiteral("actions"), QStringLiteral("body"),
+                                QStringLiteral("body-markup"), QStringLiteral("sound")};
     QDBusConnection bus = QDBusConnection::sessionBus();
-    NotificationServer server{QString::fromLocal8Bit(argv[1])};
+    NotificationServer server{QString::fromLocal8Bit(argv[1]), capabilities};
     TestControl control;
     if (!bus.registerObject(QStringLiteral("/org/freedesktop/Notifications"), &server,
                             QDBusConnection::ExportAllSlots) ||

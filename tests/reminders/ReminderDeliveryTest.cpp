@@ -237,6 +237,29 @@ TEST_F(ReminderTest, DueRemindersArriveOnceWithUrgencyCategoryAndDesktopEntry) {
               "vorlane.critical." + site.id.toString() + ".1d");
 }
 
+TEST_F(ReminderTest, BodiesAreEscapedForAServiceThatReadsMarkupAndLeftAloneForOneThatDoesNot) {
+    m_acme.name = "R&D <Labs>";
+    service("<b>acme</b> & co", utc(2026, 3, 20, 18, 30));
+    schedule();
+    {
+        NotificationServerProcess server; // reads body markup, as GNOME Shell does
+        ASSERT_TRUE(server.ready());
+        EXPECT_TRUE(m_center.deliverDue(utc(2026, 3, 17, 18, 30)));
+        ASSERT_EQ(server.shown().size(), 1U);
+        EXPECT_EQ(server.shown()[0].value("body").toString(),
+                  "Your Domain Registrar \"&lt;b&gt;acme&lt;/b&gt; &amp; co\" for R&amp;D "
+                  "&lt;Labs&gt; expires in 3 days.");
+        EXPECT_EQ(server.shown()[0].value("summary").toString(), "Expiration Warning");
+    }
+    NotificationServerProcess plain(QStringLiteral("body,actions"));
+    ASSERT_TRUE(plain.ready());
+    EXPECT_TRUE(m_center.deliverDue(utc(2026, 3, 19, 18, 30)));
+    ASSERT_EQ(plain.shown().size(), 1U);
+    EXPECT_EQ(plain.shown()[0].value("body").toString(),
+              "Domain Registrar \"<b>acme</b> & co\" for R&D <Labs> expires tomorrow.")
+        << "a service that shows bodies as they are must not show entities";
+}
+
 TEST_F(ReminderTest, WithoutANotificationServiceThePermissionErrorIsLoggedAndRemindersWait) {
     m_manager.requestPermission();
     ASSERT_TRUE(QTest::qWaitFor([this] {

@@ -2,6 +2,8 @@
 
 // Starts the tests' own notification service (tests/reminders/NotificationServer.cpp) on the
 // session bus of the run, and reads back what it was shown. Stopped when this object ends.
+// `capabilities` (comma-separated) replaces what the service says it can do; by default it reads
+// body markup, as GNOME Shell does.
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -19,9 +21,13 @@ namespace vorlane::testing {
 
 class NotificationServerProcess {
 public:
-    NotificationServerProcess() {
+    explicit NotificationServerProcess(const QString& capabilities = {}) {
         m_process.setProgram(QStringLiteral(VORLANE_TEST_NOTIFICATION_SERVER));
-        m_process.setArguments({m_folder.filePath(QStringLiteral("shown.jsonl"))});
+        QStringList arguments{m_folder.filePath(QStringLiteral("shown.jsonl"))};
+        if (!capabilities.isEmpty()) {
+            arguments << capabilities;
+        }
+        m_process.setArguments(arguments);
         m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         m_process.start();
         m_ready = m_process.waitForReadyRead(10000) &&
