@@ -4,6 +4,7 @@
 
 #include "Hex.h"
 #include "TestTime.h"
+#include "share/ExportPayload.h"
 
 #include <gtest/gtest.h>
 
@@ -39,6 +40,26 @@ TEST(ExportBundleTest, EmptySaltIsAnEmptyStringAndTimesCountFrom2001) {
     const std::string json = bundle.toJson();
     EXPECT_NE(json.find(R"("salt":"",)"), std::string::npos) << json;
     EXPECT_NE(json.find(R"("createdAt":1.5,)"), std::string::npos) << json;
+}
+
+// Whole seconds are written as integers, the way the other platforms' encoder writes them; a
+// reader comparing bytes (or a strict integer field) would otherwise see "762879600.0".
+TEST(ExportBundleTest, WholeSecondsOfBundleAndPayloadAreWrittenWithoutAFraction) {
+    ExportBundle bundle = sampleBundle();
+    bundle.createdAt = utc(2025, 3, 5, 15);
+    EXPECT_NE(bundle.toJson().find(R"("createdAt":762879600,)"), std::string::npos)
+        << bundle.toJson();
+    bundle.createdAt = utc(2001, 1, 1);
+    EXPECT_NE(bundle.toJson().find(R"("createdAt":0,)"), std::string::npos) << bundle.toJson();
+
+    ExportPayload payload;
+    payload.organizationName = "Acme";
+    payload.exportDate = utc(2025, 3, 5, 15);
+    EXPECT_EQ(payload.toJson(),
+              R"({"organizationName":"Acme","projectName":"","exportDate":762879600,"items":[]})");
+    payload.exportDate = utc(2025, 3, 5, 15) + std::chrono::milliseconds(1);
+    EXPECT_NE(payload.toJson().find(R"("exportDate":762879600.001,)"), std::string::npos)
+        << payload.toJson();
 }
 
 TEST(ExportBundleTest, ReadsBackWhatItWrites) {

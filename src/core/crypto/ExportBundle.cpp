@@ -54,7 +54,7 @@ std::string ExportBundle::toJson() const {
     object["version"] = version;
     object["salt"] = Base64::encode(salt);
     object["encryptedPayload"] = Base64::encode(encryptedPayload);
-    object["createdAt"] = secondsSinceReferenceDate(createdAt);
+    object["createdAt"] = JsonText::number(secondsSinceReferenceDate(createdAt));
     object["integrity"] = integrity;
     return JsonText::compact(object);
 }

@@ -50,7 +50,7 @@ std::string ExportPayload::toJson() const {
     ordered_json object;
     object["organizationName"] = organizationName;
     object["projectName"] = projectName;
-    object["exportDate"] = ExportBundle::secondsSinceReferenceDate(exportDate);
+    object["exportDate"] = JsonText::number(ExportBundle::secondsSinceReferenceDate(exportDate));
     ordered_json list = ordered_json::array();
     for (const ExportItem& item : items) {
         list.push_back(itemJson(item));

@@ -1,5 +1,8 @@
 #include "util/JsonText.h"
 
+#include <cmath>
+#include <cstdint>
+
 namespace vorlane {
 
 std::string JsonText::compact(const nlohmann::ordered_json& value) {
@@ -17,6 +20,16 @@ std::string JsonText::compact(const nlohmann::ordered_json& value) {
         escaped.push_back(c);
     }
     return escaped;
+}
+
+nlohmann::ordered_json JsonText::number(double value) {
+    // Within 2^53 every whole double is exactly an integer; beyond that (and for NaN and the
+    // infinities, which no instant of ours gives) the double stays as it is.
+    constexpr double exactLimit = 9007199254740992.0;
+    if (std::isfinite(value) && std::trunc(value) == value && std::fabs(value) <= exactLimit) {
+        return static_cast<std::int64_t>(value);
+    }
+    return value;
 }
 
 } // namespace vorlane

@@ -13,6 +13,9 @@ namespace vorlane {
 class JsonText {
 public:
     static std::string compact(const nlohmann::ordered_json& value);
+    // A number as those encoders write it: a whole value without a fraction ("762879600", not
+    // "762879600.0"), any other as the shortest text that reads back to the same double.
+    static nlohmann::ordered_json number(double value);
 };
 
 } // namespace vorlane
