@@ -11,8 +11,11 @@ packages=(
   # platform and ui
   qt6-base-dev libqt6svg6 qt6-qpa-plugins libsecret-1-dev libpam0g-dev libglib2.0-dev
   breeze-icon-theme hicolor-icon-theme fonts-dejavu-core
+  # one-time codes from QR images; the word list of generated passphrases
+  libzbar-dev wamerican
   # tests and benchmarks
   libgtest-dev libgmock-dev libbenchmark-dev
+  oathtool
   dbus dbus-daemon dbus-bin gnome-keyring libpam-wrapper libpam-modules
   xvfb xauth sqlite3
   # checks of the desktop entry and the AppStream file; the Debian package (dpkg-shlibdeps, file)

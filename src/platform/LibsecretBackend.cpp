@@ -10,6 +10,7 @@
 
 #include <memory>
 #include <string>
+#include <unordered_set>
 
 namespace vorlane {
 
@@ -112,6 +113,65 @@ LibsecretBackend::read(std::string_view service, std::string_view account) {
     const auto* bytes =
         reinterpret_cast<const std::uint8_t*>(secret_value_get(secret.get(), &length));
     return {Status::success, SecretBytes(bytes, bytes + length)};
+}
+
+std::pair<SecretBackend::Status, std::unordered_map<std::string, SecretBytes>>
+LibsecretBackend::readMany(std::string_view service, const std::vector<std::string>& accounts) {
+    std::unordered_map<std::string, SecretBytes> values;
+    ErrorSlot error;
+    const std::unique_ptr<SecretService, ObjectDeleter> secretService(
+        secret_service_get_sync(SECRET_SERVICE_NONE, nullptr, error.out()));
+    if (!secretService) {
+        return {Status::failure, std::move(values)};
+    }
+    const std::unique_ptr<GHashTable, HashTableDeleter> attributes(
+        g_hash_table_new_full(g_str_hash, g_str_equal, g_free, g_free));
+    g_hash_table_insert(attributes.get(), g_strdup("service"),
+                        g_strndup(service.data(), static_cast<gsize>(service.size())));
+    GList* found = secret_service_search_sync(secretService.get(), &vaultSchema, attributes.get(),
+                                              SECRET_SEARCH_ALL, nullptr, error.out());
+    const std::unique_ptr<GList, void (*)(GList*)> items(
+        found, [](GList* list) { g_list_free_full(list, g_object_unref); });
+    if (error.isSet()) {
+        return {Status::failure, std::move(values)};
+    }
+    const std::unordered_set<std::string_view> wanted(accounts.begin(), accounts.end());
+    GList* chosen = nullptr; // borrowed items, in the order found
+    bool anyLocked = false;
+    for (GList* node = items.get(); node != nullptr; node = node->next) {
+        auto* item = static_cast<SecretItem*>(node->data);
+        const std::unique_ptr<GHashTable, HashTableDeleter> itemAttributes(
+            secret_item_get_attributes(item));
+        const auto* account =
+            static_cast<const char*>(g_hash_table_lookup(itemAttributes.get(), "account"));
+        if (account != nullptr && wanted.count(account) != 0) {
+            anyLocked = anyLocked || secret_item_get_locked(item);
+            chosen = g_list_prepend(chosen, item);
+        }
+    }
+    const std::unique_ptr<GList, void (*)(GList*)> chosenItems(chosen, g_list_free);
+    if (anyLocked) {
+        return {Status::failure, std::move(values)};
+    }
+    if (chosen != nullptr && !secret_item_load_secrets_sync(chosen, nullptr, error.out())) {
+        return {Status::failure, std::move(values)};
+    }
+    for (GList* node = chosen; node != nullptr; node = node->next) {
+        auto* item = static_cast<SecretItem*>(node->data);
+        const std::unique_ptr<SecretValue, ValueDeleter> secret(secret_item_get_secret(item));
+        if (!secret) {
+            return {Status::failure, {}};
+        }
+        const std::unique_ptr<GHashTable, HashTableDeleter> itemAttributes(
+            secret_item_get_attributes(item));
+        gsize length = 0;
+        const auto* bytes =
+            reinterpret_cast<const std::uint8_t*>(secret_value_get(secret.get(), &length));
+        values.insert_or_assign(
+            static_cast<const char*>(g_hash_table_lookup(itemAttributes.get(), "account")),
+            SecretBytes(bytes, bytes + length));
+    }
+    return {Status::success, std::move(values)};
 }
 
 SecretBackend::Status LibsecretBackend::remove(std::string_view service, std::string_view account) {

@@ -16,6 +16,11 @@ public:
                const SecretBytes& value) override;
     std::pair<Status, std::optional<SecretBytes>> read(std::string_view service,
                                                        std::string_view account) override;
+    // One search of the service's items (their attributes, without secrets), then one GetSecrets
+    // call for the items asked for, so that reading thousands of items costs two exchanges with
+    // the service, not one per item. Items in a locked collection count as unreadable: failure.
+    std::pair<Status, std::unordered_map<std::string, SecretBytes>>
+    readMany(std::string_view service, const std::vector<std::string>& accounts) override;
     // Removes every item matching service and account; notFound when there was none.
     Status remove(std::string_view service, std::string_view account) override;
     // Whether a session bus exists and a Secret Service answers on it (starting it by D-Bus

@@ -21,6 +21,7 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <unordered_map>
 #include <vector>
 
 namespace vorlane {
@@ -318,6 +319,39 @@ TEST_F(KeychainManagerTest, LockedKeyringRefusesChangesAndLosesNothing) {
     // Locked items are still listed: the old one is there, and nothing was added.
     EXPECT_EQ(itemCount(service, account), 1u);
     EXPECT_EQ(itemCount(service, "vorlane.secret.new-while-locked"), 0u);
+}
+
+TEST_F(KeychainManagerTest, ABatchReadGivesExactlyTheAskedItemsOfOursAndNothingWhenLocked) {
+    std::vector<std::string> asked;
+    for (int i = 0; i < 300; ++i) {
+        const std::string account = "vorlane.secret.batch-" + std::to_string(i);
+        ASSERT_TRUE(m_keychain.save(bytes("value " + std::to_string(i * 7)), account));
+        if (i % 6 != 0) {
+            asked.push_back(account);
+        }
+    }
+    // Another program's item under one of the asked accounts, and one of ours never asked for.
+    plantItem("com.example.other", "vorlane.secret.batch-1", "someone else's");
+    asked.push_back("vorlane.secret.never-saved");
+    asked.push_back("");
+
+    const auto read = m_keychain.readMany(asked);
+    ASSERT_TRUE(read.has_value());
+    EXPECT_EQ(read->size(), 250U);
+    for (int i = 0; i < 300; ++i) {
+        const auto found = read->find("vorlane.secret.batch-" + std::to_string(i));
+        if (i % 6 == 0) {
+            EXPECT_EQ(found, read->end()) << i << " was not asked for";
+        } else if (found == read->end()) {
+            ADD_FAILURE() << i << " is missing";
+        } else {
+            EXPECT_EQ(text(found->second), "value " + std::to_string(i * 7));
+        }
+    }
+    EXPECT_EQ(m_keychain.readMany({}), (std::unordered_map<std::string, SecretBytes>()));
+
+    lockDefaultCollection();
+    EXPECT_EQ(m_keychain.readMany(asked), std::nullopt);
 }
 
 TEST_F(KeychainManagerTest, ConcurrentCallersNeverSeeAHalfDoneSave) {

@@ -2,9 +2,9 @@
 
 #include "app/AppContext.h"
 #include "app/AppState.h"
-#include "crypto/PasswordGenerator.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
+#include "passwords/PasswordGenerator.h"
 #include "store/DataStore.h"
 #include "util/Decimal.h"
 #include "util/TagText.h"
@@ -174,7 +174,7 @@ void ServiceForm::removeStored(SecretKind kind) {
 }
 
 bool ServiceForm::generate(SecretKind kind) {
-    std::optional<std::string> generated = PasswordGenerator::generate();
+    std::optional<std::string> generated = PasswordGenerator::generate({});
     if (!generated) {
         return false;
     }

@@ -1,5 +1,8 @@
 #include "secrets/KeychainManager.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace vorlane {
 
 KeychainManager::KeychainManager(SecretBackend& backend)
@@ -29,6 +32,23 @@ std::optional<SecretBytes> KeychainManager::readData(std::string_view account) {
         return std::nullopt;
     }
     return value;
+}
+
+std::optional<std::unordered_map<std::string, SecretBytes>>
+KeychainManager::readMany(const std::vector<std::string>& accounts) {
+    std::vector<std::string> named;
+    named.reserve(accounts.size());
+    std::copy_if(accounts.begin(), accounts.end(), std::back_inserter(named),
+                 [](const std::string& account) { return !account.empty(); });
+    if (named.empty()) {
+        return std::unordered_map<std::string, SecretBytes>();
+    }
+    const std::lock_guard lock(m_mutex);
+    auto [status, values] = m_backend.readMany(serviceName, named);
+    if (status == SecretBackend::Status::failure) {
+        return std::nullopt;
+    }
+    return std::move(values);
 }
 
 bool KeychainManager::remove(std::string_view account) {

@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <vector>
 
 namespace vorlane {
 
@@ -25,6 +27,10 @@ public:
     bool save(const SecretBytes& data, std::string_view account);
     // The item's bytes; nothing for a missing item, an empty account, or any failure.
     std::optional<SecretBytes> readData(std::string_view account);
+    // The bytes of each of `accounts` that has an item, keyed by account, in one batched read;
+    // empty accounts are skipped. Nothing when the store could not be read at all.
+    std::optional<std::unordered_map<std::string, SecretBytes>>
+    readMany(const std::vector<std::string>& accounts);
     // True when the item is gone afterwards, including when it never existed; false when it
     // could not be deleted (a locked or unreachable store), and then it is still there.
     bool remove(std::string_view account);

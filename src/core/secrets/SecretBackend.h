@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace vorlane {
@@ -30,6 +31,12 @@ public:
     virtual std::pair<Status, std::optional<SecretBytes>> read(std::string_view service,
                                                                std::string_view account) = 0;
     virtual Status remove(std::string_view service, std::string_view account) = 0;
+    // The bytes of every item of `service` whose account is one of `accounts`, keyed by account,
+    // read together (one search and one transfer, not a round trip per item), for the screens
+    // that look at every secret at once. Accounts without an item are left out of the map; an
+    // empty map together with failure when the store cannot be read.
+    virtual std::pair<Status, std::unordered_map<std::string, SecretBytes>>
+    readMany(std::string_view service, const std::vector<std::string>& accounts) = 0;
     // Whether the store can be reached at all, so that the program can tell the user.
     virtual bool isAvailable() = 0;
 };
