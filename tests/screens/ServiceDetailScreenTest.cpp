@@ -296,6 +296,24 @@ TEST_F(ServiceDetailScreenTest, DuplicateCopiesFieldsAndSecretsUnderFreshIdentif
     EXPECT_TRUE(plainCopy.secretKeychainID.starts_with("vorlane.secret."));
     EXPECT_TRUE(plainCopy.apiKeyKeychainID.starts_with("vorlane.apikey."));
     EXPECT_EQ(store().getPassword(plainCopy), std::nullopt) << "nothing to copy, nothing stored";
+
+    // A service of no organization makes a copy of no organization, not an error.
+    ServiceRecord loose = ServiceRecord::created(m_clock.now());
+    loose.title = "Loose key";
+    loose.secretKeychainID = ServiceRecord::makeSecretKeychainID();
+    ServiceRecord& orphan = store().insert(std::move(loose), nullptr);
+    ASSERT_TRUE(store().setPassword("loose-pw", orphan));
+    ServiceDetailScreen orphanScreen(context(), orphan);
+    orphanScreen.duplicate();
+    EXPECT_EQ(orphanScreen.message(), "");
+    ServiceRecord* orphanCopy = m_state.selectedService();
+    ASSERT_NE(orphanCopy, nullptr);
+    ASSERT_NE(orphanCopy, &orphan);
+    EXPECT_EQ(orphanCopy->title, "Loose key (Copy)");
+    EXPECT_EQ(orphanCopy->organization, nullptr);
+    EXPECT_EQ(store().getPassword(*orphanCopy), "loose-pw");
+    EXPECT_EQ(store().service(orphanCopy->id), orphanCopy);
+    EXPECT_FALSE(store().hasUnsavedChanges());
 }
 
 TEST_F(ServiceDetailScreenTest, DeleteRemovesBothSecretsThenTheRecordAndClosesTheScreen) {

@@ -50,9 +50,6 @@ void ServiceActions::edit(ServiceRecord& service) const {
 }
 
 ServiceRecord* ServiceActions::duplicate(const ServiceRecord& source) const {
-    if (source.organization == nullptr) {
-        return nullptr;
-    }
     ServiceRecord copy = source;
     copy.id = Uuid::generate();
     copy.organization = nullptr;
@@ -80,7 +77,7 @@ ServiceRecord* ServiceActions::duplicate(const ServiceRecord& source) const {
         m_store.deleteServiceSecrets(copy);
         return nullptr;
     }
-    ServiceRecord& inserted = m_store.insert(std::move(copy), *source.organization);
+    ServiceRecord& inserted = m_store.insert(std::move(copy), source.organization);
     m_store.save();
     m_state.setSelectedService(&inserted);
     return &inserted;

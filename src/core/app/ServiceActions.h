@@ -33,8 +33,8 @@ public:
     // A copy in the same organization: every field the same but the title (followed by
     // " (Copy)"), a fresh id, status active and not archived, created and updated now, and the
     // password and API key stored under fresh identifiers (both always made). Saves and
-    // shows the copy. Nothing (and nothing stored) when the source has no organization or the
-    // secret store refuses a secret.
+    // shows the copy, in no organization when the source has none. Nothing (and nothing stored)
+    // when the secret store refuses a secret.
     ServiceRecord* duplicate(const ServiceRecord& source) const;
 
     // "This will permanently delete "<title>" and its secrets. This cannot be undone."

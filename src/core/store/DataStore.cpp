@@ -82,8 +82,12 @@ Organization& DataStore::insert(Organization organization) {
 }
 
 ServiceRecord& DataStore::insert(ServiceRecord service, Organization& owner) {
+    return insert(std::move(service), &owner);
+}
+
+ServiceRecord& DataStore::insert(ServiceRecord service, Organization* owner) {
     ServiceRecord& inserted =
-        m_context.insert(std::make_unique<ServiceRecord>(std::move(service)), &owner);
+        m_context.insert(std::make_unique<ServiceRecord>(std::move(service)), owner);
     changedNow();
     return inserted;
 }

@@ -56,6 +56,8 @@ public:
     // -- Changes
     Organization& insert(Organization organization);
     ServiceRecord& insert(ServiceRecord service, Organization& owner);
+    // A service of `owner`, or of no organization when it is null.
+    ServiceRecord& insert(ServiceRecord service, Organization* owner);
     ShareRecord& insert(ShareRecord share, Organization& owner);
     void noteChanged(Organization& organization);
     void noteChanged(ServiceRecord& service);
