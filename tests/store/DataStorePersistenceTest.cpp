@@ -32,7 +32,7 @@ auto fields(const ServiceRecord& s) {
                     s.purchaseDate, s.renewalDate, s.expirationDate, s.billingCycleRaw,
                     s.monthlyCost, s.yearlyCost, s.autoRenew, s.tags, s.notes, s.riskLevelRaw,
                     s.statusRaw, s.isArchived, s.createdAt, s.updatedAt, s.secretKeychainID,
-                    s.apiKeyKeychainID);
+                    s.apiKeyKeychainID, s.totpKeychainID, s.passwordChangedAt);
 }
 
 auto fields(const ShareRecord& h) {
@@ -82,6 +82,8 @@ TEST_F(DataStorePersistenceTest, EveryFieldSurvivesReopening) {
     service.isArchived = true;
     service.secretKeychainID = ServiceRecord::makeSecretKeychainID();
     service.apiKeyKeychainID = ServiceRecord::makeAPIKeyKeychainID();
+    service.totpKeychainID = ServiceRecord::makeTOTPKeychainID();
+    service.passwordChangedAt = utc(2025, 7, 8, 9, 10) + 1ms;
     Organization* owner = store.organization(organizationId);
     store.insert(service, *owner);
     ServiceRecord undated = ServiceRecord::created(utc(2024, 2, 3));
@@ -115,6 +117,76 @@ TEST_F(DataStorePersistenceTest, EveryFieldSurvivesReopening) {
     ASSERT_EQ(loaded->shareHistory.size(), 1u);
     EXPECT_EQ(fields(*loaded->shareHistory[0]), fields(share));
     EXPECT_EQ(loaded->shareHistory[0]->organization, loaded);
+}
+
+TEST_F(DataStorePersistenceTest, PaymentsRoundTripNewestFirstAndGoWithTheirService) {
+    DataStore& store = open();
+    Organization& owner = addOrganization("Acme");
+    ServiceRecord& domain = addService(owner, "acme.example");
+    ServiceRecord& hosting = addService(owner, "Hosting");
+    const auto pay = [&](ServiceRecord& service, Instant paid, const char* amount) -> Uuid {
+        PaymentRecord payment;
+        payment.id = Uuid::generate();
+        payment.datePaid = paid;
+        payment.periodFrom = paid;
+        payment.periodTo = paid + std::chrono::days(364);
+        payment.amount = *Decimal::fromString(amount);
+        payment.note = std::string("paid ") + amount;
+        return store.insert(payment, service).id;
+    };
+    const Uuid older = pay(domain, utc(2024, 3, 1), "14.99");
+    const Uuid newer = pay(domain, utc(2025, 3, 1), "15.000000000000000001");
+    const Uuid sameDay = pay(domain, utc(2025, 3, 1), "0.5");
+    pay(hosting, utc(2025, 1, 1), "120");
+    const Uuid domainId = domain.id;
+    const Uuid hostingId = hosting.id;
+
+    DataStore& reopened = reopen();
+    ServiceRecord* loaded = reopened.service(domainId);
+    ASSERT_NE(loaded, nullptr);
+    std::vector<PaymentRecord*> payments = reopened.fetchPayments(*loaded);
+    ASSERT_EQ(payments.size(), 3u);
+    EXPECT_EQ(payments[0]->id, sameDay) << "the later recorded first on the same day";
+    EXPECT_EQ(payments[1]->id, newer);
+    EXPECT_EQ(payments[2]->id, older);
+    EXPECT_EQ(payments[1]->amount.toString(), "15.000000000000000001");
+    EXPECT_EQ(payments[1]->note, "paid 15.000000000000000001");
+    EXPECT_EQ(payments[1]->periodFrom, utc(2025, 3, 1));
+    EXPECT_EQ(payments[1]->periodTo, utc(2025, 3, 1) + std::chrono::days(364));
+    EXPECT_EQ(payments[1]->service, loaded);
+
+    // An edit and a deletion reach the file.
+    payments[1]->amount = *Decimal::fromString("16.5");
+    reopened.noteChanged(*payments[1]);
+    reopened.deletePayment(*payments[0]);
+    DataStore& third = reopen();
+    loaded = third.service(domainId);
+    payments = third.fetchPayments(*loaded);
+    ASSERT_EQ(payments.size(), 2u);
+    EXPECT_EQ(payments[0]->amount.toString(), "16.5");
+    EXPECT_EQ(payments[1]->id, older);
+
+    // Deleting the service deletes its payments, in memory and in the file; others stay.
+    third.deleteService(*loaded);
+    SqliteConnection db = raw();
+    EXPECT_EQ(count(db, "SELECT COUNT(*) FROM payments"), 1);
+    DataStore& fourth = open();
+    EXPECT_EQ(fourth.fetchPayments(*fourth.service(hostingId)).size(), 1u);
+    fourth.deleteOrganization(*fourth.service(hostingId)->organization);
+    EXPECT_EQ(count(db, "SELECT COUNT(*) FROM payments"), 0);
+}
+
+TEST_F(DataStorePersistenceTest, APaymentOfAServiceDeletedBeforeTheSaveIsNeverWritten) {
+    DataStore& store = open();
+    ServiceRecord& service = addService(addOrganization("Acme"), "Short-lived");
+    PaymentRecord payment;
+    payment.id = Uuid::generate();
+    payment.amount = Decimal(3);
+    store.insert(payment, service);
+    store.deleteService(service); // saves: the payment must not reach the file without its service
+    EXPECT_FALSE(store.hasUnsavedChanges());
+    SqliteConnection db = raw();
+    EXPECT_EQ(count(db, "SELECT COUNT(*) FROM payments"), 0);
 }
 
 TEST_F(DataStorePersistenceTest, SaveWritesOnlyWhatChanged) {
@@ -266,7 +338,7 @@ TEST_F(DataStorePersistenceTest, FileSettingsPermissionsAndVersion) {
     EXPECT_EQ(info.st_mode & 0777, 0700u);
 
     SqliteConnection db = raw();
-    EXPECT_EQ(db.queryText("SELECT value FROM vault_meta WHERE key = 'schemaVersion'"), "1.0.0");
+    EXPECT_EQ(db.queryText("SELECT value FROM vault_meta WHERE key = 'schemaVersion'"), "1.1.0");
     EXPECT_EQ(db.queryText("PRAGMA journal_mode"), "wal");
     EXPECT_EQ(db.queryText("PRAGMA integrity_check"), "ok");
     // The file's own rule: removing an organization row removes its services.

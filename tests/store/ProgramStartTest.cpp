@@ -31,7 +31,7 @@ TEST_F(ProgramStartTest, ABadVaultEndsTheProgramAndStaysUntouched) {
     EXPECT_EQ(status, 1);
     EXPECT_EQ(err, "Failed to initialize data store: " + m_path +
                        " was written by a newer version of Vorlane (schema 3.0.0); this version "
-                       "reads schema 1.0.0\n");
+                       "reads schema 1.1.0\n");
     EXPECT_EQ(fileBytes(m_path), before);
 }
 

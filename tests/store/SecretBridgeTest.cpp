@@ -1,5 +1,5 @@
-// Passwords and API keys go to the real keyring under the records' identifiers, never into the
-// vault file.
+// Passwords, API keys and one-time code secrets go to the real keyring under the records'
+// identifiers, never into the vault file.
 
 #include "VaultFixture.h"
 
@@ -16,6 +16,7 @@ protected:
         ServiceRecord& service = addService(owner, title);
         service.secretKeychainID = ServiceRecord::makeSecretKeychainID();
         service.apiKeyKeychainID = ServiceRecord::makeAPIKeyKeychainID();
+        service.totpKeychainID = ServiceRecord::makeTOTPKeychainID();
         m_store->noteChanged(service);
         return service;
     }
@@ -27,8 +28,10 @@ TEST_F(SecretBridgeTest, PasswordsAndKeysRoundTripAndEmptyDeletes) {
     EXPECT_FALSE(store.getPassword(service));
     EXPECT_TRUE(store.setPassword("pässwörd 1", service));
     EXPECT_TRUE(store.setAPIKey("sk_live_abc", service));
+    EXPECT_TRUE(store.setTOTPSecret("JBSWY3DPEHPK3PXP", service));
     EXPECT_EQ(store.getPassword(service), "pässwörd 1");
     EXPECT_EQ(store.getAPIKey(service), "sk_live_abc");
+    EXPECT_EQ(store.getTOTPSecret(service), "JBSWY3DPEHPK3PXP");
     EXPECT_TRUE(store.setPassword("second", service));
     EXPECT_EQ(store.getPassword(service), "second");
 
@@ -65,10 +68,13 @@ TEST_F(SecretBridgeTest, DeletingServicesAndOrganizationsRemovesTheirSecrets) {
     for (ServiceRecord* service : {&first, &second, &single, &survivor}) {
         ASSERT_TRUE(store.setPassword("pw-" + service->title, *service));
         ASSERT_TRUE(store.setAPIKey("key-" + service->title, *service));
+        ASSERT_TRUE(store.setTOTPSecret("JBSWY3DPEHPK3PXP", *service));
     }
-    const std::vector<std::string> gone{first.secretKeychainID,  first.apiKeyKeychainID,
-                                        second.secretKeychainID, second.apiKeyKeychainID,
-                                        single.secretKeychainID, single.apiKeyKeychainID};
+    std::vector<std::string> gone;
+    for (const ServiceRecord* service : {&first, &second, &single}) {
+        gone.insert(gone.end(), {service->secretKeychainID, service->apiKeyKeychainID,
+                                 service->totpKeychainID});
+    }
 
     store.deleteService(single);
     store.deleteOrganization(doomed);
@@ -77,6 +83,7 @@ TEST_F(SecretBridgeTest, DeletingServicesAndOrganizationsRemovesTheirSecrets) {
     }
     EXPECT_EQ(store.getPassword(survivor), "pw-Survivor");
     EXPECT_EQ(store.getAPIKey(survivor), "key-Survivor");
+    EXPECT_EQ(store.getTOTPSecret(survivor), "JBSWY3DPEHPK3PXP");
     EXPECT_EQ(store.fetchAllServices(), (std::vector<ServiceRecord*>{&survivor}));
 }
 

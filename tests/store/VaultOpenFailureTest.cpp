@@ -172,7 +172,7 @@ TEST_F(VaultOpenFailureTest, RefusesANewerSchemaAndTheVaultIsStillThereAfterward
     expectRefused("newer version of Vorlane (schema 2.0.0)");
     {
         SqliteConnection db = raw();
-        ASSERT_TRUE(db.execute("UPDATE vault_meta SET value = '1.0.0'"));
+        ASSERT_TRUE(db.execute("UPDATE vault_meta SET value = '1.1.0'"));
     }
     DataStore& store = open();
     EXPECT_EQ(store.fetchAllServices().size(), 200u);

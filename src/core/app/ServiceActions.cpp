@@ -67,12 +67,16 @@ ServiceRecord* ServiceActions::duplicate(const ServiceRecord& source) const {
     // an item with its source, or deleting one would take the other's secret along.
     copy.secretKeychainID = ServiceRecord::makeSecretKeychainID();
     copy.apiKeyKeychainID = ServiceRecord::makeAPIKeyKeychainID();
+    copy.totpKeychainID =
+        source.totpKeychainID.empty() ? std::string() : ServiceRecord::makeTOTPKeychainID();
 
     // The secrets first, so that a refusal leaves neither a record nor a stray item behind.
     const std::optional<std::string> password = m_store.getPassword(source);
     const std::optional<std::string> apiKey = m_store.getAPIKey(source);
+    const std::optional<std::string> totp = m_store.getTOTPSecret(source);
     const bool stored = (!password || m_store.setPassword(*password, copy)) &&
-                        (!apiKey || m_store.setAPIKey(*apiKey, copy));
+                        (!apiKey || m_store.setAPIKey(*apiKey, copy)) &&
+                        (!totp || m_store.setTOTPSecret(*totp, copy));
     if (!stored) {
         m_store.deleteServiceSecrets(copy);
         return nullptr;

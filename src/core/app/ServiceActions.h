@@ -32,7 +32,8 @@ public:
 
     // A copy in the same organization: every field the same but the title (followed by
     // " (Copy)"), a fresh id, status active and not archived, created and updated now, and the
-    // password and API key stored under fresh identifiers (both always made). Saves and
+    // password and API key stored under fresh identifiers (both always made), and the one-time
+    // code secret under a fresh one when the source has one. Saves and
     // shows the copy, in no organization when the source has none. Nothing (and nothing stored)
     // when the secret store refuses a secret.
     ServiceRecord* duplicate(const ServiceRecord& source) const;

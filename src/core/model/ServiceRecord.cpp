@@ -42,6 +42,10 @@ std::string ServiceRecord::makeAPIKeyKeychainID() {
     return "vorlane.apikey." + Uuid::generate().toString();
 }
 
+std::string ServiceRecord::makeTOTPKeychainID() {
+    return "vorlane.totp." + Uuid::generate().toString();
+}
+
 ServiceType ServiceRecord::serviceType() const {
     return ServiceType::fromRaw(serviceTypeRaw).value_or(ServiceType::customSecret);
 }

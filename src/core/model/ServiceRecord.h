@@ -51,15 +51,19 @@ struct ServiceRecord {
     bool isArchived = false;
     Instant createdAt;
     Instant updatedAt;
-    std::string secretKeychainID; // empty when the service has no password
-    std::string apiKeyKeychainID; // empty when the service has no API key
+    std::string secretKeychainID;             // empty when the service has no password
+    std::string apiKeyKeychainID;             // empty when the service has no API key
+    std::string totpKeychainID;               // empty when the service has no one-time code secret
+    std::optional<Instant> passwordChangedAt; // when its password was last stored or replaced
 
     // A new record: fresh id, createdAt = updatedAt = now, every raw field at its fallback case.
     static ServiceRecord created(Instant now);
 
-    // Fresh secret-store identifiers: "vorlane.secret." / "vorlane.apikey." and an upper-case UUID.
+    // Fresh secret-store identifiers: "vorlane.secret." / "vorlane.apikey." / "vorlane.totp." and
+    // an upper-case UUID.
     static std::string makeSecretKeychainID();
     static std::string makeAPIKeyKeychainID();
+    static std::string makeTOTPKeychainID();
 
     ServiceType serviceType() const; // customSecret for an unknown raw value
     void setServiceType(ServiceType type);

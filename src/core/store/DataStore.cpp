@@ -99,6 +99,13 @@ ShareRecord& DataStore::insert(ShareRecord share, Organization& owner) {
     return inserted;
 }
 
+PaymentRecord& DataStore::insert(PaymentRecord payment, ServiceRecord& service) {
+    PaymentRecord& inserted =
+        m_context.insert(std::make_unique<PaymentRecord>(std::move(payment)), service);
+    changedNow();
+    return inserted;
+}
+
 void DataStore::noteChanged(Organization& organization) {
     m_context.noteChanged(organization);
     changedNow();
@@ -111,6 +118,11 @@ void DataStore::noteChanged(ServiceRecord& service) {
 
 void DataStore::noteChanged(ShareRecord& share) {
     m_context.noteChanged(share);
+    changedNow();
+}
+
+void DataStore::noteChanged(PaymentRecord& payment) {
+    m_context.noteChanged(payment);
     changedNow();
 }
 
@@ -163,6 +175,15 @@ void DataStore::deleteServiceSecrets(const ServiceRecord& service) {
     if (!service.apiKeyKeychainID.empty()) {
         m_keychain.remove(service.apiKeyKeychainID);
     }
+    if (!service.totpKeychainID.empty()) {
+        m_keychain.remove(service.totpKeychainID);
+    }
+}
+
+void DataStore::deletePayment(PaymentRecord& payment) {
+    m_context.remove(payment);
+    changedNow();
+    save();
 }
 
 const std::optional<std::vector<std::uint8_t>>& DataStore::logo(Organization& organization) {
@@ -243,6 +264,15 @@ std::vector<ShareRecord*> DataStore::fetchShares(const Organization& organizatio
     std::stable_sort(result.begin(), result.end(), [](const ShareRecord* a, const ShareRecord* b) {
         return a->sharedAt > b->sharedAt;
     });
+    return result;
+}
+
+std::vector<PaymentRecord*> DataStore::fetchPayments(const ServiceRecord& service) const {
+    std::vector<PaymentRecord*> result = m_context.payments(service);
+    std::reverse(result.begin(), result.end());
+    std::stable_sort(
+        result.begin(), result.end(),
+        [](const PaymentRecord* a, const PaymentRecord* b) { return a->datePaid > b->datePaid; });
     return result;
 }
 
@@ -336,6 +366,14 @@ std::optional<std::string> DataStore::getAPIKey(const ServiceRecord& service) co
 
 bool DataStore::setAPIKey(std::string_view apiKey, const ServiceRecord& service) {
     return writeSecret(apiKey, service.apiKeyKeychainID);
+}
+
+std::optional<std::string> DataStore::getTOTPSecret(const ServiceRecord& service) const {
+    return readSecret(service.totpKeychainID);
+}
+
+bool DataStore::setTOTPSecret(std::string_view secret, const ServiceRecord& service) {
+    return writeSecret(secret, service.totpKeychainID);
 }
 
 } // namespace vorlane

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/Organization.h"
+#include "model/PaymentRecord.h"
 #include "model/ServiceRecord.h"
 #include "model/ShareRecord.h"
 #include "store/LocalizedOrder.h"
@@ -59,9 +60,11 @@ public:
     // A service of `owner`, or of no organization when it is null.
     ServiceRecord& insert(ServiceRecord service, Organization* owner);
     ShareRecord& insert(ShareRecord share, Organization& owner);
+    PaymentRecord& insert(PaymentRecord payment, ServiceRecord& service);
     void noteChanged(Organization& organization);
     void noteChanged(ServiceRecord& service);
     void noteChanged(ShareRecord& share);
+    void noteChanged(PaymentRecord& payment);
     // Moves a service to another organization (appended to its list).
     void moveService(ServiceRecord& service, Organization& newOwner);
 
@@ -73,10 +76,13 @@ public:
     // Removes the secrets of each of its services, then the organization with its services and
     // share records, then saves.
     void deleteOrganization(Organization& organization);
-    // Removes the service's secrets, then the service, then saves.
+    // Removes the service's secrets, then the service with its payments, then saves.
     void deleteService(ServiceRecord& service);
-    // Deletes the password and API-key items the service names; failures are ignored.
+    // Deletes the password, API-key and one-time code items the service names; failures are
+    // ignored.
     void deleteServiceSecrets(const ServiceRecord& service);
+    // Removes one payment, then saves.
+    void deletePayment(PaymentRecord& payment);
 
     // -- Logo bytes: kept apart from the records and read from the file only when asked for.
     // Loads `organization.logoData` on first call and returns it.
@@ -102,6 +108,8 @@ public:
     std::vector<ServiceRecord*> fetchExpired() const;
     // The organization's share records, newest first.
     std::vector<ShareRecord*> fetchShares(const Organization& organization) const;
+    // The service's payments, newest first by the date paid (the later recorded first on a tie).
+    std::vector<PaymentRecord*> fetchPayments(const ServiceRecord& service) const;
     Organization* organization(const Uuid& id) const;
     ServiceRecord* service(const Uuid& id) const;
 
@@ -132,6 +140,8 @@ public:
     bool setPassword(std::string_view password, const ServiceRecord& service);
     std::optional<std::string> getAPIKey(const ServiceRecord& service) const;
     bool setAPIKey(std::string_view apiKey, const ServiceRecord& service);
+    std::optional<std::string> getTOTPSecret(const ServiceRecord& service) const;
+    bool setTOTPSecret(std::string_view secret, const ServiceRecord& service);
 
     const std::string& path() const { return m_file.path(); }
 

@@ -47,8 +47,9 @@ std::string joinedTags(const std::vector<std::string>& tags) {
 } // namespace
 
 bool VaultContext::Changes::empty() const {
-    return organizations.empty() && services.empty() && shares.empty() &&
-           removedOrganizations.empty() && removedServices.empty() && removedShares.empty();
+    return organizations.empty() && services.empty() && shares.empty() && payments.empty() &&
+           removedOrganizations.empty() && removedServices.empty() && removedShares.empty() &&
+           removedPayments.empty();
 }
 
 VaultContext::VaultContext(const LocalizedOrder& order)
@@ -111,6 +112,18 @@ ShareRecord& VaultContext::insert(std::unique_ptr<ShareRecord> share, Organizati
     return record;
 }
 
+PaymentRecord& VaultContext::insert(std::unique_ptr<PaymentRecord> payment, ServiceRecord& service,
+                                    bool pending) {
+    PaymentRecord& record = *payment;
+    record.service = &service;
+    m_paymentsOfService[&service].push_back(&record);
+    m_payments.emplace(&record, std::make_pair(std::move(payment), m_nextSequence++));
+    if (pending) {
+        m_pendingPayments.insert(&record);
+    }
+    return record;
+}
+
 void VaultContext::reserve(std::size_t organizations, std::size_t services) {
     // Folded texts and title keys average well under 256 bytes per service.
     constexpr std::size_t stringBytesPerService = 256;
@@ -163,7 +176,28 @@ void VaultContext::remove(ShareRecord& share) {
     m_shares.erase(&share);
 }
 
+void VaultContext::remove(PaymentRecord& payment) {
+    const auto list = m_paymentsOfService.find(payment.service);
+    if (list != m_paymentsOfService.end()) {
+        eraseFrom(list->second, &payment);
+        if (list->second.empty()) {
+            m_paymentsOfService.erase(list);
+        }
+    }
+    m_removedPayments.push_back(payment.id);
+    m_pendingPayments.erase(&payment);
+    m_payments.erase(&payment);
+}
+
 void VaultContext::forgetService(ServiceRecord& service) {
+    // Its payments' rows go with the service's row, by the file's cascade.
+    if (const auto list = m_paymentsOfService.find(&service); list != m_paymentsOfService.end()) {
+        for (const PaymentRecord* payment : list->second) {
+            m_pendingPayments.erase(payment);
+            m_payments.erase(payment);
+        }
+        m_paymentsOfService.erase(list);
+    }
     const std::uint32_t slot = slotOf(service);
     unindex(slot);
     m_titleOrder.remove(slot, TitleLess{this});
@@ -212,6 +246,11 @@ void VaultContext::noteChanged(ShareRecord& share) {
     m_pendingShares.insert(&share);
 }
 
+void VaultContext::noteChanged(PaymentRecord& payment) {
+    assert(m_payments.contains(&payment));
+    m_pendingPayments.insert(&payment);
+}
+
 void VaultContext::moveService(ServiceRecord& service, Organization& newOwner) {
     if (service.organization == &newOwner) {
         return;
@@ -229,8 +268,9 @@ void VaultContext::moveService(ServiceRecord& service, Organization& newOwner) {
 
 bool VaultContext::hasChanges() const {
     return !m_pendingOrganizations.empty() || !m_pendingServices.empty() ||
-           !m_pendingShares.empty() || !m_removedOrganizations.empty() ||
-           !m_removedServices.empty() || !m_removedShares.empty();
+           !m_pendingShares.empty() || !m_pendingPayments.empty() ||
+           !m_removedOrganizations.empty() || !m_removedServices.empty() ||
+           !m_removedShares.empty() || !m_removedPayments.empty();
 }
 
 VaultContext::Changes VaultContext::changes() const {
@@ -252,9 +292,13 @@ VaultContext::Changes VaultContext::changes() const {
     });
     changes.shares = inOrder(
         m_pendingShares, [this](const ShareRecord* record) { return m_shares.at(record).second; });
+    changes.payments = inOrder(m_pendingPayments, [this](const PaymentRecord* record) {
+        return m_payments.at(record).second;
+    });
     changes.removedOrganizations = m_removedOrganizations;
     changes.removedServices = m_removedServices;
     changes.removedShares = m_removedShares;
+    changes.removedPayments = m_removedPayments;
     for (const Organization* organization : m_pendingOrganizations) {
         if (isLogoLoaded(*organization)) {
             changes.logoLoaded.insert(organization);
@@ -267,9 +311,11 @@ void VaultContext::clearChanges() {
     m_pendingOrganizations.clear();
     m_pendingServices.clear();
     m_pendingShares.clear();
+    m_pendingPayments.clear();
     m_removedOrganizations.clear();
     m_removedServices.clear();
     m_removedShares.clear();
+    m_removedPayments.clear();
 }
 
 bool VaultContext::isLogoLoaded(const Organization& organization) const {
@@ -288,6 +334,11 @@ Organization* VaultContext::organization(const Uuid& id) const {
 ServiceRecord* VaultContext::service(const Uuid& id) const {
     const std::optional<std::uint32_t> slot = m_servicesById.find(id, idOfSlot());
     return slot ? &m_services[*slot] : nullptr;
+}
+
+std::vector<PaymentRecord*> VaultContext::payments(const ServiceRecord& service) const {
+    const auto found = m_paymentsOfService.find(&service);
+    return found == m_paymentsOfService.end() ? std::vector<PaymentRecord*>() : found->second;
 }
 
 void VaultContext::forEachOrganizationByName(

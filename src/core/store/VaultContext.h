@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/Organization.h"
+#include "model/PaymentRecord.h"
 #include "model/ServiceRecord.h"
 #include "model/ShareRecord.h"
 #include "store/ServiceSlots.h"
@@ -44,9 +45,11 @@ public:
         std::vector<const Organization*> organizations;
         std::vector<const ServiceRecord*> services;
         std::vector<const ShareRecord*> shares;
+        std::vector<const PaymentRecord*> payments;
         std::vector<Uuid> removedOrganizations;
         std::vector<Uuid> removedServices;
         std::vector<Uuid> removedShares;
+        std::vector<Uuid> removedPayments;
         std::unordered_set<const Organization*> logoLoaded;
         bool empty() const;
     };
@@ -67,19 +70,24 @@ public:
     }
     ShareRecord& insert(std::unique_ptr<ShareRecord> share, Organization* owner,
                         bool pending = true);
+    PaymentRecord& insert(std::unique_ptr<PaymentRecord> payment, ServiceRecord& service,
+                          bool pending = true);
 
     // Makes room for a vault of this size up front, so that loading a large one does not grow
     // its tables step by step.
     void reserve(std::size_t organizations, std::size_t services);
 
-    // Removal destroys the record. An organization takes its services and share records along.
+    // Removal destroys the record. An organization takes its services and share records along,
+    // a service its payments.
     void remove(Organization& organization);
     void remove(ServiceRecord& service);
     void remove(ShareRecord& share);
+    void remove(PaymentRecord& payment);
 
     void noteChanged(Organization& organization);
     void noteChanged(ServiceRecord& service);
     void noteChanged(ShareRecord& share);
+    void noteChanged(PaymentRecord& payment);
     // Moves a service to the end of another organization's list.
     void moveService(ServiceRecord& service, Organization& newOwner);
 
@@ -94,6 +102,8 @@ public:
 
     Organization* organization(const Uuid& id) const;
     ServiceRecord* service(const Uuid& id) const;
+    // The service's payments in insertion order.
+    std::vector<PaymentRecord*> payments(const ServiceRecord& service) const;
     std::size_t organizationCount() const { return m_organizations.size(); }
     std::size_t serviceCount() const { return m_services.size(); }
 
@@ -197,6 +207,12 @@ private:
     // Share records with their insertion sequence.
     std::unordered_map<const ShareRecord*, std::pair<std::unique_ptr<ShareRecord>, std::uint64_t>>
         m_shares;
+    // Payments with their insertion sequence, and each service's payments in that order. Kept
+    // apart from the services: most services have none, and a service's slot stays small.
+    std::unordered_map<const PaymentRecord*,
+                       std::pair<std::unique_ptr<PaymentRecord>, std::uint64_t>>
+        m_payments;
+    std::unordered_map<const ServiceRecord*, std::vector<PaymentRecord*>> m_paymentsOfService;
     std::unordered_map<Uuid, Organization*> m_organizationsById;
     std::set<OrganizationEntry*, ByKey> m_organizationsByName;
 
@@ -224,9 +240,11 @@ private:
     std::unordered_set<const Organization*> m_pendingOrganizations;
     std::unordered_set<const ServiceRecord*> m_pendingServices;
     std::unordered_set<const ShareRecord*> m_pendingShares;
+    std::unordered_set<const PaymentRecord*> m_pendingPayments;
     std::vector<Uuid> m_removedOrganizations;
     std::vector<Uuid> m_removedServices;
     std::vector<Uuid> m_removedShares;
+    std::vector<Uuid> m_removedPayments;
 };
 
 } // namespace vorlane

@@ -27,7 +27,7 @@ constexpr std::array<std::string_view, 14> organizationColumns{
     "id",    "name", "projectName", "contactName", "contactEmail", "contactPhone", "website",
     "notes", "tags", "isActive",    "isArchived",  "isFavorite",   "createdAt",    "updatedAt",
 };
-constexpr std::array<std::string_view, 29> serviceColumns{
+constexpr std::array<std::string_view, 31> serviceColumns{
     "id",
     "organizationId",
     "serviceTypeRaw",
@@ -57,22 +57,30 @@ constexpr std::array<std::string_view, 29> serviceColumns{
     "updatedAt",
     "secretKeychainID",
     "apiKeyKeychainID",
+    "totpKeychainID",
+    "passwordChangedAt",
 };
 constexpr std::array<std::string_view, 11> shareColumns{
     "id",        "organizationId",  "serviceIDs",     "recipientLabel",
     "notes",     "includesSecrets", "redactedFields", "expirationDate",
     "isRevoked", "sharedAt",        "shareMethodRaw",
 };
+constexpr std::array<std::string_view, 7> paymentColumns{
+    "id", "serviceId", "datePaid", "periodFrom", "periodTo", "amount", "note",
+};
 
 // What the strings of one service read from the file take on the heap, generously: a demo
 // vault of 100,000 services takes 28 MB.
 constexpr std::size_t heapBytesPerService = 320;
 
+// Reads a file of schema `stored` as it is: a column that came with a later version reads as
+// the value its upgrade will give it.
 template <std::size_t N>
-std::string selectSql(std::string_view table, const std::array<std::string_view, N>& columns) {
+std::string selectSql(std::string_view table, const std::array<std::string_view, N>& columns,
+                      std::string_view stored) {
     std::string sql = "SELECT ";
     for (std::size_t i = 0; i < N; ++i) {
-        sql += (i ? ", " : "") + std::string(columns[i]);
+        sql += (i ? ", " : "") + VaultSchema::selectable(stored, table, columns[i]);
     }
     return sql + " FROM " + std::string(table) + " ORDER BY rowid";
 }
@@ -246,7 +254,6 @@ public:
 
     const std::optional<std::string>& problem() const { return m_problem; }
 
-private:
     void fail(const std::string& what) {
         if (!m_problem) {
             m_problem = "a row of " + std::string(m_table) + " holds " + what;
@@ -324,6 +331,8 @@ ServiceRecord readService(RowReader& row) {
     service.updatedAt = row.instant(26);
     service.secretKeychainID = row.text(27);
     service.apiKeyKeychainID = row.text(28);
+    service.totpKeychainID = row.text(29);
+    service.passwordChangedAt = row.optionalInstant(30);
     return service;
 }
 
@@ -365,6 +374,8 @@ void bindService(SqliteStatement& statement, const ServiceRecord& service) {
     statement.bind(27, toMilliseconds(service.updatedAt));
     statement.bind(28, service.secretKeychainID);
     statement.bind(29, service.apiKeyKeychainID);
+    statement.bind(30, service.totpKeychainID);
+    statement.bind(31, toMilliseconds(service.passwordChangedAt));
 }
 
 std::unique_ptr<ShareRecord> readShare(RowReader& row) {
@@ -394,6 +405,27 @@ void bindShare(SqliteStatement& statement, const ShareRecord& share) {
     statement.bind(9, share.isRevoked);
     statement.bind(10, toMilliseconds(share.sharedAt));
     statement.bind(11, share.shareMethodRaw);
+}
+
+std::unique_ptr<PaymentRecord> readPayment(RowReader& row) {
+    auto payment = std::make_unique<PaymentRecord>();
+    payment->id = row.uuid(0);
+    payment->datePaid = row.instant(2);
+    payment->periodFrom = row.optionalInstant(3);
+    payment->periodTo = row.optionalInstant(4);
+    payment->amount = row.decimal(5);
+    payment->note = row.text(6);
+    return payment;
+}
+
+void bindPayment(SqliteStatement& statement, const PaymentRecord& payment) {
+    statement.bind(1, payment.id.toString());
+    statement.bind(2, payment.service->id.toString());
+    statement.bind(3, toMilliseconds(payment.datePaid));
+    statement.bind(4, toMilliseconds(payment.periodFrom));
+    statement.bind(5, toMilliseconds(payment.periodTo));
+    statement.bind(6, payment.amount.toString());
+    statement.bind(7, payment.note);
 }
 
 std::string systemError(const std::string& what, int error) {
@@ -513,8 +545,10 @@ void removeNewCompanions(const std::string& path, bool hadCompanions) {
 
 } // namespace
 
-VaultFile::VaultFile(std::string path, SqliteConnection reader, bool hadCompanions)
+VaultFile::VaultFile(std::string path, SqliteConnection reader, bool hadCompanions,
+                     std::string storedVersion)
     : m_path(std::move(path))
+    , m_storedVersion(std::move(storedVersion))
     , m_reader(std::move(reader))
     , m_hadCompanions(hadCompanions) {
     // Every page is read and checked, which is a good part of opening a large vault: it runs on
@@ -552,13 +586,14 @@ std::optional<VaultFile> VaultFile::open(const std::string& path, std::string& e
         error = "cannot read " + path + ": " + error;
         return std::nullopt;
     }
-    if (auto problem = VaultSchema::check(*reader)) {
+    std::string stored;
+    if (auto problem = VaultSchema::check(*reader, stored)) {
         error = path + " " + *problem;
         reader.reset();
         removeNewCompanions(path, hadCompanions);
         return std::nullopt;
     }
-    return VaultFile(path, std::move(*reader), hadCompanions);
+    return VaultFile(path, std::move(*reader), hadCompanions, std::move(stored));
 }
 
 bool VaultFile::load(VaultContext& context, std::string& error) {
@@ -590,6 +625,18 @@ bool VaultFile::openForWriting(std::string& error) {
         error = "cannot prepare " + m_path + ": " + connection->lastError();
         return false;
     }
+    // Only now, with every row read and every page checked, is a file of an earlier schema
+    // upgraded: all steps in one transaction, so that a failure leaves it as it was.
+    if (m_storedVersion != VaultSchema::version) {
+        if (!connection->execute("BEGIN IMMEDIATE") ||
+            !VaultSchema::upgrade(*connection, m_storedVersion) || !connection->execute("COMMIT")) {
+            error = "cannot upgrade " + m_path + " from schema " + m_storedVersion + ": " +
+                    connection->lastError();
+            connection->execute("ROLLBACK");
+            return false;
+        }
+        m_storedVersion = VaultSchema::version;
+    }
     // Tighten a vault that was copied in with looser permissions.
     struct stat info {};
     if (::stat(m_path.c_str(), &info) == 0 && (info.st_mode & 077) != 0) {
@@ -601,7 +648,7 @@ bool VaultFile::openForWriting(std::string& error) {
 
 bool VaultFile::readRecords(VaultContext& context, std::string& error) {
     SqliteConnection& reader = *m_reader;
-    // One read transaction: the three tables come from the same committed state.
+    // One read transaction: the tables come from the same committed state.
     if (!reader.execute("BEGIN")) {
         error = reader.lastError();
         return false;
@@ -664,7 +711,7 @@ bool VaultFile::readRecords(VaultContext& context, std::string& error) {
             const HugePages::PreparedHeap heap(serviceCount * heapBytesPerService);
             std::vector<Row> batch;
             batch.reserve(batchSize);
-            read = readTable("services", selectSql("services", serviceColumns),
+            read = readTable("services", selectSql("services", serviceColumns, m_storedVersion),
                              [&](RowReader& row, const SqliteStatement&) {
                                  ServiceRecord service = readService(row);
                                  const std::optional<Uuid> owner = row.optionalUuid(1);
@@ -689,22 +736,41 @@ bool VaultFile::readRecords(VaultContext& context, std::string& error) {
         reading.join();
         return read;
     };
-    const bool loaded = readTable("organizations", selectSql("organizations", organizationColumns),
-                                  [&](RowReader& row, const SqliteStatement&) {
-                                      auto organization = readOrganization(row);
-                                      if (!row.problem()) {
-                                          context.insert(std::move(organization), false);
-                                      }
-                                  }) &&
-                        readServices() &&
-                        readTable("shares", selectSql("shares", shareColumns),
-                                  [&](RowReader& row, const SqliteStatement&) {
-                                      auto share = readShare(row);
-                                      Organization* owner = ownerOf(row);
-                                      if (!row.problem()) {
-                                          context.insert(std::move(share), owner, false);
-                                      }
-                                  });
+    const auto readPayments = [&] {
+        if (!VaultSchema::hasTable(m_storedVersion, "payments")) {
+            return true;
+        }
+        return readTable("payments", selectSql("payments", paymentColumns, m_storedVersion),
+                         [&](RowReader& row, const SqliteStatement&) {
+                             auto payment = readPayment(row);
+                             const Uuid serviceId = row.uuid(1);
+                             ServiceRecord* service = context.service(serviceId);
+                             if (!service) {
+                                 row.fail("a payment for a service that is not in the vault");
+                             }
+                             if (!row.problem()) {
+                                 context.insert(std::move(payment), *service, false);
+                             }
+                         });
+    };
+    const bool loaded =
+        readTable("organizations", selectSql("organizations", organizationColumns, m_storedVersion),
+                  [&](RowReader& row, const SqliteStatement&) {
+                      auto organization = readOrganization(row);
+                      if (!row.problem()) {
+                          context.insert(std::move(organization), false);
+                      }
+                  }) &&
+        readServices() &&
+        readTable("shares", selectSql("shares", shareColumns, m_storedVersion),
+                  [&](RowReader& row, const SqliteStatement&) {
+                      auto share = readShare(row);
+                      Organization* owner = ownerOf(row);
+                      if (!row.problem()) {
+                          context.insert(std::move(share), owner, false);
+                      }
+                  }) &&
+        readPayments();
     reader.execute("COMMIT");
     return loaded;
 }
@@ -746,6 +812,7 @@ bool VaultFile::write(const VaultContext::Changes& changes, std::string& error) 
         run("DELETE FROM organizations WHERE id = ?", changes.removedOrganizations, bindId) &&
         run("DELETE FROM services WHERE id = ?", changes.removedServices, bindId) &&
         run("DELETE FROM shares WHERE id = ?", changes.removedShares, bindId) &&
+        run("DELETE FROM payments WHERE id = ?", changes.removedPayments, bindId) &&
         run(upsertSql("organizations", organizationColumns), changes.organizations,
             [](SqliteStatement& s, const Organization* o) { bindOrganization(s, *o); }) &&
         run("INSERT INTO organization_logos (organizationId, data) VALUES (?, ?) "
@@ -760,6 +827,8 @@ bool VaultFile::write(const VaultContext::Changes& changes, std::string& error) 
             [](SqliteStatement& s, const ServiceRecord* r) { bindService(s, *r); }) &&
         run(upsertSql("shares", shareColumns), changes.shares,
             [](SqliteStatement& s, const ShareRecord* r) { bindShare(s, *r); }) &&
+        run(upsertSql("payments", paymentColumns), changes.payments,
+            [](SqliteStatement& s, const PaymentRecord* r) { bindPayment(s, *r); }) &&
         m_connection->execute("COMMIT");
     if (!written) {
         error = m_connection->lastError();
