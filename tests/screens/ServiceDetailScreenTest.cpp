@@ -155,6 +155,21 @@ TEST_F(ServiceDetailScreenTest, CopyAllHasOnlyTheLinesWithValuesAndNeverASecret)
     EXPECT_EQ(clipboardText(), std::nullopt) << "Copy All is cleared like every copy";
 }
 
+TEST_F(ServiceDetailScreenTest, OpenURLHandsOverOnlyAllowedSchemesAndOtherwiseSaysWhy) {
+    ServiceRecord& service = mailServer();
+    service.loginURL = "cp.acme.test:2083";
+    ServiceDetailScreen screen(context(), service);
+    EXPECT_EQ(screen.addressToOpen(), "http://cp.acme.test:2083");
+    EXPECT_EQ(screen.message(), "");
+
+    service.loginURL = "file:///etc/passwd";
+    int redraws = 0;
+    const ScopedConnection counting(screen.changed, [&redraws] { ++redraws; });
+    EXPECT_EQ(screen.addressToOpen(), std::nullopt);
+    EXPECT_EQ(screen.message(), "This address cannot be opened: file");
+    EXPECT_EQ(redraws, 1) << "the widget learns that there is a message to show";
+}
+
 TEST_F(ServiceDetailScreenTest, EveryRevealAsksAgainHidingNeverAsksAndARefusalShowsNothing) {
     ServiceRecord& service = mailServer();
     connectAuthentication();

@@ -63,7 +63,15 @@ TEST_F(ServiceRowMenuTest, CopyAndURLItemsAreEnabledOnlyWhenTheServiceHasTheValu
          {Action::copyUsername, Action::copyPassword, Action::copyURL, Action::openURL}) {
         EXPECT_TRUE(enabled(fullMenu, action)) << static_cast<int>(action);
     }
-    EXPECT_EQ(fullMenu.url(), "https://mail.acme.test/admin");
+    EXPECT_EQ(fullMenu.addressToOpen().value(), "https://mail.acme.test/admin");
+    ServiceRecord& orphan = store().insert(ServiceRecord::created(m_clock.now()), nullptr);
+    EXPECT_TRUE(enabled(menuFor(orphan), Action::duplicate)) << "no organization is no reason";
+
+    // A pasted address of another kind is not handed to the desktop.
+    full.loginURL = "vscode://file/etc/passwd";
+    const auto refused = menuFor(full).addressToOpen();
+    ASSERT_FALSE(refused.ok());
+    EXPECT_EQ(refused.error().message, "This address cannot be opened: vscode");
 }
 
 TEST_F(ServiceRowMenuTest, CopiesAreClearedAfterThirtySecondsAndRowActionsReachTheState) {

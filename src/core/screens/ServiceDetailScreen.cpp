@@ -2,6 +2,7 @@
 
 #include "app/AppContext.h"
 #include "app/AppState.h"
+#include "app/OpenableAddress.h"
 #include "app/ServiceActions.h"
 #include "auth/AuthManager.h"
 #include "model/Organization.h"
@@ -295,12 +296,21 @@ void ServiceDetailScreen::copyText(Field field, const std::string& text) {
 }
 
 bool ServiceDetailScreen::canOpenURL() const {
-    return !loginURL().empty();
+    const ServiceRecord* record = service();
+    return record != nullptr && !record->loginURL.empty();
 }
 
-std::string ServiceDetailScreen::loginURL() const {
-    const ServiceRecord* record = service();
-    return record != nullptr ? record->loginURL : std::string();
+std::optional<std::string> ServiceDetailScreen::addressToOpen() {
+    if (!canOpenURL()) {
+        return std::nullopt;
+    }
+    auto address = OpenableAddress::resolve(service()->loginURL);
+    if (!address) {
+        m_message = address.error().message;
+        changed.emit();
+        return std::nullopt;
+    }
+    return std::move(address).value();
 }
 
 std::string ServiceDetailScreen::copyAllText() const {

@@ -122,7 +122,9 @@ public:
 
     // -- Actions bar
     bool canOpenURL() const;
-    std::string loginURL() const;
+    // What "Open URL" and "Open in Browser" hand to the desktop; nothing when its scheme may not
+    // be opened, and `message` then says so ("This address cannot be opened: file").
+    std::optional<std::string> addressToOpen();
     // "Title: ", "URL: ", "Host: ", "Domain: ", "IP: ", "Username: ", "Email: ", "Port: " lines,
     // each only when its value is there; never a secret.
     std::string copyAllText() const;

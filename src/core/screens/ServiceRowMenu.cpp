@@ -25,7 +25,7 @@ void ServiceRowMenu::buildItems() {
     m_items = {
         {Action::open, "Open", "arrow.right.circle"},
         {Action::edit, "Edit", "pencil"},
-        {Action::duplicate, "Duplicate", "plus.square.on.square", s.organization != nullptr},
+        {Action::duplicate, "Duplicate", "plus.square.on.square"},
         {Action::copyUsername, "Copy Username", "doc.on.doc", !s.username.empty(), true},
         // Whether a password is really stored would take a secret-store round trip on every
         // right click; a service without an identifier certainly has none.
@@ -87,8 +87,8 @@ void ServiceRowMenu::trigger(Action action) {
     }
 }
 
-const std::string& ServiceRowMenu::url() const {
-    return m_service.loginURL;
+Result<std::string, OpenableAddress::Refusal> ServiceRowMenu::addressToOpen() const {
+    return OpenableAddress::resolve(m_service.loginURL);
 }
 
 ServiceRowMenu::Confirmation ServiceRowMenu::deleteConfirmation() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/OpenableAddress.h"
 #include "util/Uuid.h"
 
 #include <functional>
@@ -59,16 +60,15 @@ public:
     const Item* item(Action action) const;
 
     // Runs `action` when its item is enabled; a disabled one does nothing. "Edit" opens the
-    // service form on it; "Duplicate" makes the copy and shows it (a service without an
-    // organization cannot be copied: disabled). Copying the password first asks the person to
-    // authenticate ("Copy password for " + title) and copies only when they did, once the reply
-    // comes; the service is looked up again then, so deleting it in the meantime copies nothing.
-    // "Open URL" and "Delete…" are not run here: the window opens the address (`url`) and asks
-    // `deleteConfirmation` before calling `deleteService`.
+    // service form on it; "Duplicate" makes the copy and shows it. Copying the password first asks
+    // the person to authenticate ("Copy password for " + title) and copies only when they did, once
+    // the reply comes; the service is looked up again then, so deleting it in the meantime copies
+    // nothing. "Open URL" and "Delete…" are not run here: the window opens `addressToOpen` (or
+    // shows why not) and asks `deleteConfirmation` before calling `deleteService`.
     void trigger(Action action);
 
-    // The address "Open URL" opens: the login URL as stored.
-    const std::string& url() const;
+    // What "Open URL" hands to the desktop: the login URL, if its scheme may be opened.
+    Result<std::string, OpenableAddress::Refusal> addressToOpen() const;
     Confirmation deleteConfirmation() const;
     // Deletes the service with its secrets; the service is gone afterwards.
     void deleteService();

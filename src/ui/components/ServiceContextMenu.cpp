@@ -33,8 +33,15 @@ void ServiceContextMenu::exec(AppContext& context, ServiceRecord& service,
     const auto action = static_cast<ServiceRowMenu::Action>(chosen->data().toInt());
     switch (action) {
     case ServiceRowMenu::Action::openURL:
-        // Addresses are often stored without a scheme ("cp.example.com:2083").
-        QDesktopServices::openUrl(QUrl::fromUserInput(toQString(model.url())));
+        if (const auto address = model.addressToOpen()) {
+            QDesktopServices::openUrl(QUrl(toQString(address.value())));
+        } else {
+            QMessageBox refused(QMessageBox::Warning, QStringLiteral("Open URL"),
+                                toQString(address.error().message), QMessageBox::Ok, parent);
+            // The scheme is part of what was pasted: shown as written, never as markup.
+            refused.setTextFormat(Qt::PlainText);
+            refused.exec();
+        }
         return;
     case ServiceRowMenu::Action::deleteService:
         if (confirmDeletion(context, service, parent)) {

@@ -146,9 +146,7 @@ void ServiceDetailView::buildActions(QVBoxLayout* layout) {
     auto* edit = actionButton("pencil", QStringLiteral("Edit"));
     auto* duplicate = actionButton("plus.square.on.square", QStringLiteral("Duplicate"));
     auto* remove = actionButton("trash", QStringLiteral("Delete Service"));
-    connect(m_openURL, &QPushButton::clicked, this, [this] {
-        QDesktopServices::openUrl(QUrl::fromUserInput(toQString(m_screen.loginURL())));
-    });
+    connect(m_openURL, &QPushButton::clicked, this, &ServiceDetailView::openAddress);
     connect(copyAll, &QPushButton::clicked, this, [this] { m_screen.copyAll(); });
     connect(m_markRenewed, &QPushButton::clicked, this, [this] { m_screen.markRenewed(); });
     connect(edit, &QPushButton::clicked, this, [this] { m_screen.edit(); });
@@ -172,6 +170,13 @@ void ServiceDetailView::buildActions(QVBoxLayout* layout) {
     m_message->setPalette(palette);
     m_message->hide();
     layout->addWidget(m_message);
+}
+
+void ServiceDetailView::openAddress() {
+    // A refusal sets the screen's message, which `changed` draws.
+    if (const std::optional<std::string> address = m_screen.addressToOpen()) {
+        QDesktopServices::openUrl(QUrl(toQString(*address)));
+    }
 }
 
 void ServiceDetailView::confirmDelete() {
@@ -309,9 +314,7 @@ QWidget* ServiceDetailView::createRow(const ServiceDetailScreen::Row& row) {
     if (row.kind == RowKind::url) {
         auto* open = rowButton("arrow.up.right.square", QStringLiteral("Open in Browser"),
                                QStringLiteral("Open in Browser"));
-        connect(open, &QToolButton::clicked, this, [this] {
-            QDesktopServices::openUrl(QUrl::fromUserInput(toQString(m_screen.loginURL())));
-        });
+        connect(open, &QToolButton::clicked, this, &ServiceDetailView::openAddress);
         layout->addWidget(open, 0, align);
     }
     if (row.kind != RowKind::info) {

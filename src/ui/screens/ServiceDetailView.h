@@ -36,6 +36,8 @@ public:
     void confirmDelete();
 
 private:
+    // Hands the login URL to the desktop, or shows why it may not be opened.
+    void openAddress();
     struct RowWidgets {
         QLabel* value = nullptr;
         QToolButton* copy = nullptr;
