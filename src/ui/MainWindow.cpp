@@ -299,4 +299,15 @@ void MainWindow::showEvent(QShowEvent* event) {
     }
 }
 
+void MainWindow::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    // A restore from minimised shows the content again, but its show event is a spontaneous one
+    // (the window system's), which showEvent leaves aside: the state change says it instead.
+    if (event->type() == QEvent::WindowStateChange &&
+        (static_cast<QWindowStateChangeEvent*>(event)->oldState() & Qt::WindowMinimized) != 0 &&
+        !isMinimized()) {
+        Q_EMIT contentShown();
+    }
+}
+
 } // namespace vorlane

@@ -1,6 +1,7 @@
 // The running program's reminders: the schedule rebuilt from the live services each time the
-// window's content is shown (and only then), a reminder shown at its minute by the program's own
-// tick to a notification service of the tests' own, and a click on it opening the service.
+// window's content is shown (a restore from minimised included, and only then), a reminder shown at
+// its minute by the program's own tick to a notification service of the tests' own, and a click on
+// it opening the service.
 
 #include "Reminders.h"
 
@@ -70,6 +71,14 @@ TEST_F(RemindersTest, ShowingTheWindowSchedulesTheTickDeliversOnTheMinuteAndACli
     window.hide();
     window.show();
     EXPECT_TRUE(waitFor([this] { return m_center.pendingRequests().size() == 3U; }));
+
+    // Restored from minimised: shown again, so rebuilt again.
+    addService(acme, "shop.com",
+               [this](ServiceRecord& s) { s.expirationDate = m_clock.now() + days(10); });
+    store().save();
+    window.showMinimized();
+    window.showNormal();
+    EXPECT_TRUE(waitFor([this] { return m_center.pendingRequests().size() == 5U; }));
 }
 
 } // namespace
