@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Export bundles of a 10 MB payload: sealing (SHA-256, HKDF, AES-256-GCM), opening, and the
 // bundle file's JSON text both ways. Throughput is reported as bytes of payload per second.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The per-record rules that every list redraw evaluates, over 10,000 and 100,000 services.
 
 #include "model/Organization.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The search and All Credentials screens at 10,000 and 100,000 services: their screen models
 // rebuilt (what every keystroke and every store change costs), and the widgets as the person
 // meets them: a keystroke in the search field to the results painted, and switching to

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The organization screens' models at the sizes that must stay fluid: the grid of 1,000
 // organizations (20,000 services) in each sort order, and the detail of one organization with
 // 5,000 services with every tab built, as a store change rebuilds them. Vaults are generated once

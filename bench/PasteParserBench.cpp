@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Parsing what users paste: a typical 2 KB welcome mail, and 64 KB (a long mail thread or a
 // page of notes copied whole), which must still feel instant in the smart-paste sheet.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The expiration reminders over vaults of 10,000 and 100,000 services (the generator behind
 // `vorlane-cli demo`): what a rebuild costs the main thread when the window is shown, what the
 // schedule centre's worker then pays to write the file, and the minute tick when nothing is due,

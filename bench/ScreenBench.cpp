@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The expense and dashboard screen models rebuilt after a change, over vaults of 10,000 and
 // 100,000 services (the generator behind `vorlane-cli demo`): what the widget pays each time the
 // store says it changed. Vaults are generated once into the temp folder and reused.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sidebar at 10,000 and 100,000 services: its counts and quick list rebuilt (what every change
 // to the store costs while the window is open), and the widget as the person meets it: a store
 // change to the counts repainted. Same vaults as the store benchmarks (StoreBench.cpp); the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The vault store at the sizes of a busy agency: 10,000 and 100,000 services over 100 and 1,000
 // organizations, made by the same generator as `vorlane-cli demo`. Vaults are generated once
 // into the temp folder and reused by later runs.

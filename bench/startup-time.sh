@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Whole-process start of `vorlane` on a vault of 100,000 services (or as told), seen from outside
 # so that the program carries no timing hook of its own: the wall time from exec to its first
 # window being mapped on an Xvfb display, to the main window (a vault that takes a while to open

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Bundle files from a stranger: whatever the bytes, reading them gives a bundle or a sentence,
 // opening gives a payload or a CryptoError, and a bundle that reads writes back to the same
 // bundle.

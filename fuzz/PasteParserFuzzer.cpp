@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // libFuzzer target: any bytes pasted into the smart-paste sheet. Besides crashes and what the
 // sanitizers find, it checks what must hold for every input.
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Installs BUILD_DIR into STAGE_DIR (as DESTDIR) and fails unless the install holds exactly the
 # files of the package, each as the desktop, systemd and PAM will read it, and the programs are
 # hardened. The application id and the directories come from BUILD_DIR/InstallNames.cmake.

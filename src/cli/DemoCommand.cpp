@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "DemoCommand.h"
 
 #include "CliVault.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // vorlane-cli: the vault from a terminal, for scripts, demos and the recipient of an export.
 
 #include "CliCommand.h"

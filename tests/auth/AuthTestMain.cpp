@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The vault lock's tests need a Qt main loop (replies and prompts arrive on it) but no display.
 
 #include <QCoreApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which login URLs the desktop is asked to open, and exactly what it is handed.
 
 #include "app/OpenableAddress.h"

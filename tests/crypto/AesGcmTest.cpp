@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // AES-256-GCM against the published known-answer vectors (McGrew and Viega, "The Galois/Counter
 // Mode of Operation", test cases 13 to 15: 256-bit keys, no additional data), through the same
 // seal and open that bundles use.

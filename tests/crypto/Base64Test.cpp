@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Standard base64 as bundles and generated keys carry it.
 
 #include "crypto/Base64.h"

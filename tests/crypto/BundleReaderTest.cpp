@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Opening bundles the way a recipient does: from the file's text, with a password or key text.
 
 #include "crypto/BundleReader.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Sealing export payloads into bundles, in both key modes.
 
 #include "crypto/CryptoManager.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The bundle file's bytes, and reading them back.
 
 #include "crypto/ExportBundle.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // HKDF-SHA256 against RFC 5869's own vectors, and the export key derivation built on it.
 
 #include "crypto/Hkdf.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // `vorlane-cli open-bundle` as a recipient runs it: the real program on real files, and on a
 // pseudo-terminal for the prompt, where the test types the person's answer.
 

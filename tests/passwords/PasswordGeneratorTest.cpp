@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The password generator: the rules every password keeps, and that no character or word is
 // likelier than another (chi-square over 100,000 passwords, with alphabets whose size is not a
 // power of two, where a modulo mapping would show).

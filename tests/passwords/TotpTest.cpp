@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One-time codes: RFC 6238's own known answers, agreement with oathtool (the reference
 // implementation Debian ships) for random keys and times, and what the secret field accepts.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // `vorlane-cli parse-paste`, run as a user would: text on stdin, JSON on stdout.
 
 #include "RunCommand.h"

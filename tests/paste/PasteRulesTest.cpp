@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The rules that decide between competing readings of a paste.
 
 #include "PinnedLocale.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whole pastes of the kinds users bring, each checked field by field.
 
 #include "PinnedLocale.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The secret store against a real GNOME Keyring on a private session bus (run-with-keyring.sh).
 // Items are also inspected and planted directly through libsecret, independently of the adapter,
 // so that the stored format (schema, attributes, label, collection) is checked as other programs

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A notification service of the tests' own: owns org.freedesktop.Notifications on the session bus
 // it is started on and appends every notification it is given to a file, one JSON object a line
 // (summary, body, actions, the hints the tests read, and the id it answered). The tests make it

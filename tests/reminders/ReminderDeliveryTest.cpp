@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The expiration reminders from the schedule to the desktop: what NotificationManager puts in the
 // schedule file (real DesktopNotificationCenter in a temp folder), what arrives at a notification
 // service of the tests' own on the run's private session bus, the schedule file surviving damage,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The reminder tests wait on D-Bus replies and signals: one Qt event loop for the whole run.
 
 #include <QCoreApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ScreenFixture.h"
 #include "app/DetailScreen.h"
 #include "model/Organization.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The dashboard and expense widgets on a real vault, offscreen: that they draw what their models
 // say, follow the store without being rebuilt, and turn clicks and keys into the models' actions.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The shared list pieces, offscreen: the avatar's logo and its fallback, the sectioned list's
 // rows and spoken sentences, and the row view's keyboard paths (Return, the menu key).
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Global search, All Credentials and the archive, on a real vault: what each lists, in which
 // order, with which texts, and what choosing a row does to the navigation state.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Wiring of the search, All Credentials and archive widgets, offscreen: the pickers reach their
 // screen models, the empty state takes the whole screen and its button raises the sheet's flag,
 // the lists follow the store and the query, and Return on a row does what choosing it does.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "MainWindow.h"
 #include "ScreenFixture.h"
 #include "components/RowListView.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The running program's reminders: the schedule rebuilt from the live services each time the
 // window's content is shown (a restore from minimised included, and only then), a reminder shown at
 // its minute by the program's own tick to a notification service of the tests' own, and a click on

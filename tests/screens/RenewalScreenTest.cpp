@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The renewal screen on a real vault: its bands and their boundaries, the texts as shown, the
 // three filters and their empty states, Mark Renewed by billing cycle in the user's calendar, and
 // the widget in the window: the item count, the button, the keyboard.

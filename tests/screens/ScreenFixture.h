@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Everything a screen needs, real: a vault file in a temp folder with the keyring the run gives

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Screen tests need one QApplication (the clipboard, the event loop that carries PAM's replies,
 // widgets for the wiring checks); they run on the offscreen platform, without a display.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Marking a service renewed on the real store: one billing period ahead in the user's calendar.
 
 #include "ScreenFixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The service detail screen over a real vault, the real keyring and real PAM answered by a
 // scripted person.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The service form over a real vault file and the real keyring: what it refuses, what it writes,
 // and that no secret it handles ever reaches the vault file.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The service row's context menu on a real vault, keyring and PAM: which items it offers and
 // when they are enabled, that every copy goes through the guarded 30-second clipboard, and that
 // the password is copied only after the person authenticated.

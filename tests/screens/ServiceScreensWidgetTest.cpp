@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The service detail pane and the service form sheet as widgets, offscreen: what the person sees
 // and presses reaches the screen models, and the window's sheet machinery ends an edit.
 

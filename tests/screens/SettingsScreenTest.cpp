@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The settings over real QSettings in the fixture's temp INI file: the values a first run shows,
 // what each choice writes to the file, and the texts of a machine without a fingerprint reader.
 

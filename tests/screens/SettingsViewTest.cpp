@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The settings widget's wiring, offscreen: the window and the sheet edit the same preferences, and
 // each shows what the other wrote when it is shown again.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sidebar's counts and quick list, read from a real vault: what each badge counts (and what it
 // deliberately leaves out), the first organizations by name, and the expiring dot.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sidebar widget's wiring, offscreen: counts that follow the store, the selection bound to
 // the navigation state, and the keyboard reaching every row and the footer button.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One program per vault, with real processes: a second `vorlane` on an open vault asks the first
 // to raise its window and leaves with status 0, `vorlane-cli demo` refuses the open vault, and a
 // lock left by a program that was killed does not keep the next start out.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Finding a widget's parts the way a person (or a screen reader) does: by the text a button

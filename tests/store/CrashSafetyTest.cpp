@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A process that saves in a loop is killed with SIGKILL at random moments. After every kill the
 // vault must open, pass SQLite's integrity check, and hold exactly the generation before or after
 // the save that was interrupted, never a mixture.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Helper of the crash test: opens the vault given as its argument and saves one generation after
 // another (see CrashState.h) until it is killed, announcing each save on stdout before and after.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The states the crash test walks through. Generation k is reached from k - 1 by one save that

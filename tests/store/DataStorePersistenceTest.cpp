@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What reaches the vault file, and when: every field round trip, only changed rows written,
 // failed saves kept for later, autosave, cascades, logos apart, the file's own settings.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The store's lists, search and totals, and how they follow changes noted on records.
 
 #include "VaultFixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The desktop program opens the vault before anything else: a vault it cannot use ends it with
 // the reason and status 1, and the file is left exactly as it was.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Passwords, API keys and one-time code secrets go to the real keyring under the records'
 // identifiers, never into the vault file.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // vorlane-cli's store commands, run as a separate process on a real vault and the real keyring:
 // what they print must be what the store's queries return.
 

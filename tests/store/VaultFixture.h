@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // A vault in a fresh temp folder, opened with a real keyring (the test runs under

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The store's flat indexes under long runs of edits, checked against answers worked out from the
 // records themselves; the id table on its own; and tag lists in every form the file may hold.
 

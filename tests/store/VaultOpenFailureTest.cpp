@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Files the store must refuse: each gives a reason, and the file stays byte for byte as it was.
 
 #include "VaultFixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A vault written by the first release (schema 1.0.0) opens and is upgraded in place, in one
 // transaction, only once it has been read and checked whole; what cannot be upgraded is refused
 // and left as it was.

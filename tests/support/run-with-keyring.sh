@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Runs a command on a private session bus with a fresh, unlocked GNOME Keyring, so that tests use
 # the real Secret Service without touching the user's own keyring or the desktop session.
 #

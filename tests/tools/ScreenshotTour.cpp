@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Walks the whole window over a vault and writes a PNG of every screen and sheet, in the light or
 // the dark palette, so that a person can look at what the program shows without clicking through
 // it. Not a test: it asserts nothing. It works on a copy of the vault (OUT_DIR/tour.sqlite),

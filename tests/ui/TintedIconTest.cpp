@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which theme icons take a tint: a tint must keep a one-colour symbol's shape (Breeze's grey
 // actions, its green key) and leave a full-colour icon alone rather than flatten it into a blob.
 

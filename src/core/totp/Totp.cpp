@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "totp/Totp.h"
 
 #include <openssl/evp.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "util/Decimal.h"
 
 #include <boost/multiprecision/cpp_dec_float.hpp>

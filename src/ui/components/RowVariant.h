@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Lets the list models hand the core's row descriptions to the delegates through QVariant.
