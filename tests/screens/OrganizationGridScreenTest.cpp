@@ -73,6 +73,32 @@ TEST_F(OrganizationGridScreenTest, EachOrderBreaksTiesByName) {
     EXPECT_EQ(names(screen), (std::vector<std::string>{"Charlie", "Delta", "alpha", "Bravo"}));
 }
 
+// Names that differ only in case are still told apart by the name order, so the grid shows them
+// in one order whatever order they were added in, and the other orders' ties follow it; the
+// favourites grid, which keeps the store's own order, too.
+TEST_F(OrganizationGridScreenTest, NamesDifferingOnlyInCaseHaveOneOrderWhateverTheInsertion) {
+    for (const char* name : {"Bolt", "BOLT", "bolt", "zinc", "Zinc", "ZINC"}) {
+        Organization& organization = addOrganization(name);
+        organization.isFavorite = true;
+        store().noteChanged(organization);
+    }
+    const std::vector<std::string> expected{"bolt", "Bolt", "BOLT", "zinc", "Zinc", "ZINC"};
+    auto screen = grid();
+    EXPECT_EQ(names(screen), expected);
+    screen.setSortOrder(SortOrder::cost);
+    EXPECT_EQ(names(screen), expected) << "equal costs keep the name order";
+    EXPECT_EQ(names(grid(OrganizationFilter::favorites)), expected);
+
+    // Added the other way round, each name ends up where it was.
+    for (Organization* organization : store().fetchOrganizations()) {
+        store().deleteOrganization(*organization);
+    }
+    for (auto name = expected.rbegin(); name != expected.rend(); ++name) {
+        addOrganization(*name);
+    }
+    EXPECT_EQ(names(grid()), expected);
+}
+
 TEST_F(OrganizationGridScreenTest, CaptionCountsTitlesAndEmptyStatesFollowTheFilter) {
     auto screen = grid();
     EXPECT_EQ(screen.title(), "Organizations");

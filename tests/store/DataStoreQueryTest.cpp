@@ -58,7 +58,8 @@ TEST_F(DataStoreQueryTest, ListsFollowLocalizedOrderCaseInsensitiveWithNumbersBy
 
 // Name and title order, and search, under the locales people really run: C.UTF-8 (minimal
 // installs, containers, CI), an English one, and Swedish, whose alphabet puts "Ö" after "Z".
-// Whatever the locale, case never decides the order and numbers compare by value.
+// Whatever the locale, case counts only between otherwise equal texts and numbers compare by
+// value.
 struct LocaleCase {
     const char* environment; // LC_ALL of a process started in this locale
     const char* icuLocale;   // what ICU makes of it

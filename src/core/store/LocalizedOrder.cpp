@@ -25,12 +25,14 @@ LocalizedOrder::LocalizedOrder(std::string_view localeId)
         status = U_ZERO_ERROR;
         m_collation->collator.reset(icu::Collator::createInstance(icu::Locale::getRoot(), status));
     }
-    // Set every attribute that decides case and digits, whatever the locale's tailoring says:
-    // secondary strength lets letters and accents decide, not case; the case level would bring
-    // case back at that strength; numeric collation reads digits as numbers.
+    // Set every attribute that decides case and digits, whatever the locale's tailoring says.
+    // Letters and accents decide first; case is compared only after them, at the tertiary level,
+    // so it never moves "Beta" away from "alpha" and "gamma" but does put "acme", "Acme" and
+    // "ACME" in one fixed order instead of the order they happened to be added in. The case
+    // level would bring case in before accents; numeric collation reads digits as numbers.
     icu::Collator& collator = *m_collation->collator;
     status = U_ZERO_ERROR;
-    collator.setAttribute(UCOL_STRENGTH, UCOL_SECONDARY, status);
+    collator.setAttribute(UCOL_STRENGTH, UCOL_TERTIARY, status);
     collator.setAttribute(UCOL_CASE_LEVEL, UCOL_OFF, status);
     collator.setAttribute(UCOL_NUMERIC_COLLATION, UCOL_ON, status);
 }

@@ -9,8 +9,10 @@ namespace vorlane {
 
 // The localized standard order of names and titles, as people expect in a file manager: the
 // user's locale's collation, case ignored ("acme" beside "Acme"), digits compared by value
-// ("Server 2" before "Server 10"), accents still ordered. Sort keys let the store keep its lists
-// ordered without running the collator on every comparison. Not thread-safe; one per store.
+// ("Server 2" before "Server 10"), accents still ordered. Texts that differ only in case still
+// get distinct keys in the locale's case order, so a list never depends on which was added
+// first; only identical texts tie. Sort keys let the store keep its lists ordered without running
+// the collator on every comparison. Not thread-safe; one per store.
 class LocalizedOrder {
 public:
     // An empty locale id means the process's default locale (LC_ALL / LANG). The C and POSIX
