@@ -380,56 +380,6 @@ void takeLabelledLines(const UnicodeString& text, const std::vector<Range>& line
     }
 }
 
-// The host of an http(s) URL as written (brackets of an IPv6 literal removed). Nothing when it
-// has no host or its authority holds a character that a URL does not allow there.
-std::optional<std::string> urlHost(std::string_view url) {
-    const std::size_t schemeEnd = url.find("://");
-    if (schemeEnd == std::string_view::npos) {
-        return std::nullopt;
-    }
-    std::string_view authority = url.substr(schemeEnd + 3);
-    authority = authority.substr(0, authority.find_first_of("/?#"));
-    // Letters, digits, "-._~", the sub-delimiters, "%" escapes and, as in IRIs, any non-ASCII.
-    const auto allowed = [](std::string_view part, std::string_view extra) {
-        return std::all_of(part.begin(), part.end(), [extra](char c) {
-            const bool asciiAlphanumeric =
-                (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-            return static_cast<unsigned char>(c) >= 0x80 || asciiAlphanumeric ||
-                   std::string_view("-._~!$&'()*+,;=%").find(c) != std::string_view::npos ||
-                   extra.find(c) != std::string_view::npos;
-        });
-    };
-    if (const std::size_t at = authority.rfind('@'); at != std::string_view::npos) {
-        if (!allowed(authority.substr(0, at), ":")) {
-            return std::nullopt;
-        }
-        authority.remove_prefix(at + 1);
-    }
-    std::string_view host = authority;
-    std::string_view port;
-    if (authority.starts_with('[')) {
-        const std::size_t close = authority.find(']');
-        if (close == std::string_view::npos || !allowed(authority.substr(1, close - 1), ":")) {
-            return std::nullopt;
-        }
-        host = authority.substr(1, close - 1);
-        const std::string_view after = authority.substr(close + 1);
-        if (!after.empty() && !after.starts_with(':')) {
-            return std::nullopt;
-        }
-        port = after.empty() ? after : after.substr(1);
-    } else if (const std::size_t colon = authority.rfind(':'); colon != std::string_view::npos) {
-        host = authority.substr(0, colon);
-        port = authority.substr(colon + 1);
-    }
-    const bool literal = authority.starts_with('[');
-    if (host.empty() || !allowed(host, literal ? ":" : "") ||
-        !std::all_of(port.begin(), port.end(), [](char c) { return c >= '0' && c <= '9'; })) {
-        return std::nullopt;
-    }
-    return std::string(host);
-}
-
 // Pass 2: the fields still empty, from patterns over the whole untrimmed text.
 void scanWholeText(const UnicodeString& text, ParsedCredential& parsed) {
     const CompiledPatterns& patterns = compiledPatterns();
@@ -451,7 +401,7 @@ void scanWholeText(const UnicodeString& text, ParsedCredential& parsed) {
             parsed.detectedTypes.emplace_back("URL");
             // The host stands in for the domain without counting as a detected domain.
             if (parsed.domain.empty()) {
-                parsed.domain = urlHost(parsed.loginURL).value_or(std::string());
+                parsed.domain = PasteParser::urlHost(parsed.loginURL).value_or(std::string());
             }
         }
     }
@@ -695,6 +645,54 @@ std::string PasteParser::generateTitle(const ParsedCredential& parsed) {
         }
     }
     return title;
+}
+
+std::optional<std::string> PasteParser::urlHost(std::string_view url) {
+    const std::size_t schemeEnd = url.find("://");
+    if (schemeEnd == std::string_view::npos) {
+        return std::nullopt;
+    }
+    std::string_view authority = url.substr(schemeEnd + 3);
+    authority = authority.substr(0, authority.find_first_of("/?#"));
+    // Letters, digits, "-._~", the sub-delimiters, "%" escapes and, as in IRIs, any non-ASCII.
+    const auto allowed = [](std::string_view part, std::string_view extra) {
+        return std::all_of(part.begin(), part.end(), [extra](char c) {
+            const bool asciiAlphanumeric =
+                (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+            return static_cast<unsigned char>(c) >= 0x80 || asciiAlphanumeric ||
+                   std::string_view("-._~!$&'()*+,;=%").find(c) != std::string_view::npos ||
+                   extra.find(c) != std::string_view::npos;
+        });
+    };
+    if (const std::size_t at = authority.rfind('@'); at != std::string_view::npos) {
+        if (!allowed(authority.substr(0, at), ":")) {
+            return std::nullopt;
+        }
+        authority.remove_prefix(at + 1);
+    }
+    std::string_view host = authority;
+    std::string_view port;
+    if (authority.starts_with('[')) {
+        const std::size_t close = authority.find(']');
+        if (close == std::string_view::npos || !allowed(authority.substr(1, close - 1), ":")) {
+            return std::nullopt;
+        }
+        host = authority.substr(1, close - 1);
+        const std::string_view after = authority.substr(close + 1);
+        if (!after.empty() && !after.starts_with(':')) {
+            return std::nullopt;
+        }
+        port = after.empty() ? after : after.substr(1);
+    } else if (const std::size_t colon = authority.rfind(':'); colon != std::string_view::npos) {
+        host = authority.substr(0, colon);
+        port = authority.substr(colon + 1);
+    }
+    const bool literal = authority.starts_with('[');
+    if (host.empty() || !allowed(host, literal ? ":" : "") ||
+        !std::all_of(port.begin(), port.end(), [](char c) { return c >= '0' && c <= '9'; })) {
+        return std::nullopt;
+    }
+    return std::string(host);
 }
 
 } // namespace vorlane

@@ -49,6 +49,10 @@ public:
     // The type's label, then " — " and the first of domain, hostname, IP address and provider
     // that is not empty; the label alone when all four are.
     static std::string generateTitle(const ParsedCredential& parsed);
+
+    // The host of an http(s) URL as written (brackets of an IPv6 literal removed). Nothing when
+    // it has no host or its authority holds a character that a URL does not allow there.
+    static std::optional<std::string> urlHost(std::string_view url);
 };
 
 } // namespace vorlane
