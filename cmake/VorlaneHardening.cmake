@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # The programs handle secrets, so they get the hardening a distribution would give them even when
 # built by hand: position-independent executables (so ASLR moves the program itself, not only its
 # libraries) and full RELRO (relocations resolved at start, the GOT then read-only, so a stray

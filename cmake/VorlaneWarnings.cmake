@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Warnings for our own targets only: third-party headers come in as SYSTEM includes.
 add_library(vorlane_warnings INTERFACE)
 target_compile_options(vorlane_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow

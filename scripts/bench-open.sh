@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Times opening a large vault as a whole process: `vorlane-cli --vault V search host7` starts,
 # checks and reads the whole vault, searches it once and exits. Vaults of 10,000 and 100,000
 # services are made once by `vorlane-cli demo` in the temp folder and reused.

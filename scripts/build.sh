@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Configures and builds Vorlane into a build directory: build/ by default, build-sanitize/ with
 # --sanitize (AddressSanitizer and UndefinedBehaviorSanitizer). Warnings in our code are errors
 # here, and so in CI; a plain cmake build leaves them warnings. The build's own output goes to

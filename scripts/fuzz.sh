@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Builds the libFuzzer targets with clang under AddressSanitizer and UndefinedBehaviorSanitizer
 # in build-fuzz/ and runs one of them on its seed corpus.
 #   scripts/fuzz.sh                        1,000,000 inputs to the paste parser

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Installs, with apt-get, whatever a Debian 12 machine lacks for building, running and testing
 # Vorlane. Quick and silent when everything is already there; works as root or through sudo.
 set -euo pipefail
@@ -20,6 +21,9 @@ packages=(
   xvfb xauth sqlite3
   # checks of the desktop entry and the AppStream file; the Debian package (dpkg-shlibdeps, file)
   desktop-file-utils appstream dpkg-dev file
+  # the manual pages written from the programs' --help; lintian's check of the package; zsh to
+  # parse the completion of vorlane-cli
+  help2man lintian zsh
   # fuzzing (clang's libFuzzer and sanitizer runtimes)
   clang libclang-rt-14-dev
 )

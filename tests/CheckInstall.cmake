@@ -19,9 +19,14 @@ set(metainfo "${DATADIR}/metainfo/${APP_ID}.metainfo.xml")
 set(png_icon "${DATADIR}/icons/hicolor/128x128/apps/${APP_ID}.png")
 set(service "${UNIT_DIR}/vorlane-reminders.service")
 set(timer "${UNIT_DIR}/vorlane-reminders.timer")
+set(docs "${DATADIR}/doc/vorlane")
+set(bash_completion "${DATADIR}/bash-completion/completions/vorlane-cli")
 set(expected "${BINDIR}/vorlane" "${BINDIR}/vorlane-cli" "${desktop_entry}" "${metainfo}"
              "${DATADIR}/icons/hicolor/scalable/apps/${APP_ID}.svg" "${png_icon}"
-             "${service}" "${timer}" "${PAM_DIR}/vorlane")
+             "${service}" "${timer}" "${PAM_DIR}/vorlane"
+             "${MANDIR}/man1/vorlane.1.gz" "${MANDIR}/man1/vorlane-cli.1.gz"
+             "${docs}/copyright" "${docs}/changelog.gz"
+             "${bash_completion}" "${DATADIR}/zsh/vendor-completions/_vorlane-cli")
 file(GLOB_RECURSE staged LIST_DIRECTORIES false "${STAGE_DIR}/*")
 string(LENGTH "${STAGE_DIR}" stage_length)
 set(installed "")
@@ -81,6 +86,44 @@ expect_match("${component}" "<release version=\"([^\"]+)\"" "the AppStream file 
 if(NOT match STREQUAL VERSION)
     message(FATAL_ERROR "the newest AppStream release is ${match}, the program ${VERSION}")
 endif()
+expect_match("${component}" "<project_license>GPL-3.0-or-later</project_license>"
+             "the AppStream file does not give the program's licence")
+
+# The changelog in the format dpkg and apt-listchanges read, its newest entry this version.
+execute_process(COMMAND gzip -dc "${STAGE_DIR}${docs}/changelog.gz"
+                OUTPUT_FILE "${STAGE_DIR}/changelog" RESULT_VARIABLE result ERROR_VARIABLE output)
+if(NOT result EQUAL 0)
+    message(FATAL_ERROR "${docs}/changelog.gz is not gzip: ${output}")
+endif()
+execute_process(COMMAND dpkg-parsechangelog -l "${STAGE_DIR}/changelog" --show-field Version
+                RESULT_VARIABLE result OUTPUT_VARIABLE newest ERROR_VARIABLE output
+                OUTPUT_STRIP_TRAILING_WHITESPACE)
+if(NOT result EQUAL 0 OR output MATCHES "warning")
+    message(FATAL_ERROR "dpkg-parsechangelog rejects ${docs}/changelog.gz:\n${output}")
+endif()
+if(NOT newest STREQUAL VERSION)
+    message(FATAL_ERROR "the newest changelog entry is ${newest}, the program ${VERSION}")
+endif()
+
+# The manual pages render without a complaint from groff (as lintian and man itself run it), and
+# besides what help2man takes from --help they carry the hand-kept environment, files and exit
+# status.
+foreach(program vorlane vorlane-cli)
+    set(page "${MANDIR}/man1/${program}.1.gz")
+    execute_process(COMMAND ${CMAKE_COMMAND} -E env LC_ALL=C.UTF-8 MANWIDTH=80
+                            man --warnings -E UTF-8 -l -Tutf8 "${STAGE_DIR}${page}"
+                    RESULT_VARIABLE result OUTPUT_QUIET ERROR_VARIABLE output)
+    if(NOT result EQUAL 0 OR NOT output STREQUAL "")
+        message(FATAL_ERROR "man cannot render ${page} cleanly:\n${output}")
+    endif()
+    execute_process(COMMAND gzip -dc "${STAGE_DIR}${page}" OUTPUT_VARIABLE source)
+    foreach(heading "NAME" "SYNOPSIS" "OPTIONS" "ENVIRONMENT" "FILES" "\"EXIT STATUS\"")
+        expect_match("${source}" "\n\\.SH ${heading}\n"
+                     "the manual page of ${program} has no ${heading} section")
+    endforeach()
+    expect_match("${source}" "VORLANE_DATA_DIR" "${page} does not explain VORLANE_DATA_DIR")
+endforeach()
+
 file(READ "${STAGE_DIR}${png_icon}" header LIMIT 24 HEX)
 if(NOT header MATCHES "^89504e470d0a1a0a0000000d494844520000008000000080$")
     message(FATAL_ERROR "${png_icon} is not a 128 × 128 PNG (header ${header})")

@@ -7,9 +7,9 @@
 #include "ExpiringCommand.h"
 #include "OpenBundleCommand.h"
 #include "ParsePasteCommand.h"
+#include "ProcessHardening.h"
 #include "SearchCommand.h"
 #include "TotalsCommand.h"
-#include "ProcessHardening.h"
 
 #include <iostream>
 #include <memory>
@@ -32,17 +32,24 @@ std::vector<std::unique_ptr<CliCommand>> makeCommands() {
     return commands;
 }
 
+// The manual page is made from this text by help2man, and the shell completions read the
+// commands and their options from it: one line per command, starting with its name.
 void printHelp(const std::vector<std::unique_ptr<CliCommand>>& commands) {
-    std::cout << "Usage: vorlane-cli [--vault PATH] [--json] COMMAND [ARGUMENTS]\n\n"
-                 "Global options:\n"
-                 "  --vault PATH   use the vault file at PATH instead of the default one\n"
-                 "  --json         print one JSON object per line\n"
-                 "  --help         show this help\n"
-                 "  --version      show the version\n\n"
+    std::cout << "Usage: vorlane-cli [--vault PATH] [--json] COMMAND [ARGUMENTS]\n"
+                 "Work on the Vorlane vault without its window: search it, list renewals and\n"
+                 "costs, make a demo vault, and open an export bundle sent to you. The vault's\n"
+                 "passwords and API keys stay in the desktop's Secret Service: no command\n"
+                 "prints them. Without --vault the vault is vault.sqlite in $VORLANE_DATA_DIR,\n"
+                 "else in $XDG_DATA_HOME/vorlane, else in ~/.local/share/vorlane.\n\n"
                  "Commands:\n";
     for (const auto& command : commands) {
         std::cout << "  " << command->usage() << "\n";
     }
+    std::cout << "\nOptions:\n"
+                 "  --vault PATH   use the vault file at PATH instead of the default one\n"
+                 "  --json         print one JSON object per line\n"
+                 "  -h, --help     show this help\n"
+                 "  --version      show the version\n";
 }
 
 } // namespace

@@ -1,0 +1,73 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
+#
+# The shell completions of vorlane-cli against the real program:
+#   CheckShellCompletion.sh VORLANE_CLI BASH_COMPLETION ZSH_COMPLETION
+# bash is asked the way readline asks it (COMP_WORDS and COMP_CWORD, then the function that
+# `complete -p vorlane-cli` names); every command it offers must be one the program runs, and it
+# must offer as many as the program's --help lists. zsh must at least parse its file.
+set -uo pipefail
+cli=$1 bash_completion=$2 zsh_completion=$3
+failures=0
+
+fail() {
+  echo "FAIL: $*" >&2
+  failures=$((failures + 1))
+}
+
+# shellcheck source=/dev/null
+source "$bash_completion"
+registration=$(complete -p vorlane-cli 2>/dev/null) || fail "sourcing the file registers no completion for vorlane-cli"
+function=$(sed -n 's/.* -F \([^ ]*\) .*/\1/p' <<<"$registration")
+[[ $registration == *"-o default"* ]] ||
+  fail "no file names where the completion has no word to offer: $registration"
+
+# Prints, sorted on one line, what the completion offers for the words given, the last being the
+# one under the cursor.
+offered() {
+  COMP_WORDS=("$cli" "$@")
+  COMP_CWORD=$#
+  COMPREPLY=()
+  "$function" vorlane-cli "${COMP_WORDS[COMP_CWORD]}" "${COMP_WORDS[COMP_CWORD - 1]}"
+  printf '%s\n' "${COMPREPLY[@]}" | sort | xargs
+}
+
+expect() {
+  local wanted=$1
+  shift
+  local got
+  got=$(offered "$@")
+  [[ $got == "$wanted" ]] || fail "vorlane-cli $* <TAB> offers \"$got\", not \"$wanted\""
+}
+
+# The commands: each one the program knows (it answers anything but "unknown command"), and as
+# many as its --help lists between "Commands:" and the blank line after them.
+read -ra commands <<<"$(offered "")"
+listed=$("$cli" --help | awk '/^Commands:/ { inside = 1; next } /^$/ { inside = 0 } inside' | wc -l)
+((${#commands[@]} == listed)) ||
+  fail "the completion offers ${#commands[@]} commands (${commands[*]}), --help lists $listed"
+((listed > 0)) || fail "--help lists no commands"
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+for command in "${commands[@]}"; do
+  if "$cli" --vault "$scratch/vault.sqlite" "$command" --no-such-option </dev/null 2>&1 |
+    grep -q 'unknown command'; then
+    fail "the completion offers \"$command\", which vorlane-cli does not know"
+  fi
+done
+
+# Global options, before the command and between them; their value is a file name (readline's
+# own completion), and the command is found after them.
+expect "--help --json --vault --version" --
+expect "" --vault ""
+expect "expired expiring" --vault "$scratch/vault.sqlite" --json exp
+# A command's own options from its usage line; a command's operand is a file name.
+expect "--within" expiring --
+expect "--key-file --password-file" open-bundle bundle.vorlane --
+expect "" open-bundle ""
+expect "" --json search --
+
+zsh -n "$zsh_completion" || fail "zsh cannot parse $zsh_completion"
+
+((failures == 0)) || exit 1
+echo "the completions offer the ${#commands[@]} commands of vorlane-cli and their options"
