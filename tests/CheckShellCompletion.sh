@@ -5,7 +5,7 @@
 #   CheckShellCompletion.sh VORLANE_CLI BASH_COMPLETION ZSH_COMPLETION
 # bash is asked the way readline asks it (COMP_WORDS and COMP_CWORD, then the function that
 # `complete -p vorlane-cli` names); every command it offers must be one the program runs, and it
-# must offer as many as the program's --help lists. zsh must at least parse its file.
+# must offer as many as the program's --help lists. zsh must list the same commands.
 set -uo pipefail
 cli=$1 bash_completion=$2 zsh_completion=$3
 failures=0
@@ -67,7 +67,37 @@ expect "--key-file --password-file" open-bundle bundle.vorlane --
 expect "" open-bundle ""
 expect "" --json search --
 
-zsh -n "$zsh_completion" || fail "zsh cannot parse $zsh_completion"
+# zsh, typed at as a person would: an interactive zsh on a pseudo-terminal, with the completion
+# system on and the file on its function path, lists each command with its description after
+# "vorlane-cli <TAB>". It waits for the listing, up to 30 seconds.
+if zsh -n "$zsh_completion"; then
+  listing=$(COMPLETION_DIR=$(dirname "$zsh_completion") CLI_DIR=$(dirname "$cli") \
+    COMMANDS="${commands[*]}" zsh -f <<'ZSH'
+zmodload zsh/zpty
+zpty shell zsh -f -i
+zpty -w shell "PS1='> '; fpath=($COMPLETION_DIR \$fpath); path=($CLI_DIR \$path)"
+zpty -w shell 'autoload -Uz compinit; compinit -u -D; LISTMAX=1000'
+zpty -w -n shell $'vorlane-cli \t'
+listing= deadline=$((SECONDS + 30))
+while ((SECONDS < deadline)); do
+  zpty -r -t shell chunk && listing+=$chunk || sleep 0.2
+  missing=0
+  for command in ${=COMMANDS}; do [[ $listing == *"$command "*" -- "* ]] || missing=1; done
+  ((missing)) || break
+done
+zpty -d shell
+print -r -- $listing
+ZSH
+  )
+  # Without the terminal's escape sequences and carriage returns.
+  listing=$(sed 's/\x1b\[[0-9;?]*[a-zA-Z]//g; s/\r//g' <<<"$listing")
+  for command in "${commands[@]}"; do
+    grep -q "^$command  *-- " <<<"$listing" ||
+      fail "zsh does not list \"$command\" with its description after vorlane-cli <TAB>"
+  done
+else
+  fail "zsh cannot parse $zsh_completion"
+fi
 
 ((failures == 0)) || exit 1
 echo "the completions offer the ${#commands[@]} commands of vorlane-cli and their options"
