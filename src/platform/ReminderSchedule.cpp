@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ReminderSchedule.h"
 
+#include "util/PrivateFile.h"
+
 #include <QFile>
-#include <QSaveFile>
 #include <QtEndian>
 
 #include <fcntl.h>
@@ -341,17 +342,13 @@ bool ReminderSchedule::save(std::vector<Entry> entries) const {
     }
     writer.numberAt(lengthAt, static_cast<std::uint64_t>(writer.size()));
 
-    QSaveFile file(m_path);
-    if (!file.open(QIODevice::WriteOnly)) {
+    // Titles and bodies name the user's services and clients.
+    const QByteArray& bytes = writer.bytes();
+    if (const auto error = PrivateFile::write(
+            QFile::encodeName(m_path).toStdString(),
+            std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())))) {
         std::cerr << "Reminder schedule " << m_path.toStdString()
-                  << " cannot be written: " << file.errorString().toStdString() << std::endl;
-        return false;
-    }
-    file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    file.write(writer.bytes());
-    if (!file.commit()) {
-        std::cerr << "Reminder schedule " << m_path.toStdString()
-                  << " cannot be written: " << file.errorString().toStdString() << std::endl;
+                  << " cannot be written: " << *error << std::endl;
         return false;
     }
     return true;

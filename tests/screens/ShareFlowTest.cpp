@@ -231,6 +231,9 @@ TEST_F(ShareFlowTest, TheSheetWritesABundleThatOpenBundleReadsBack) {
     m_person.willType(userPassword);
     ShareSheet sheet(context(), m_acme, m_acme.services);
     const std::string path = folder() + "/bundle.vorlane";
+    // Replacing an older export that others could read: the new one is the owner's alone.
+    std::ofstream(path) << "older export";
+    std::filesystem::permissions(path, std::filesystem::perms(0644));
     sheet.setFileChooser(
         [&path](const QString&) { return std::optional(QString::fromStdString(path)); });
     sheet.show();
@@ -245,6 +248,8 @@ TEST_F(ShareFlowTest, TheSheetWritesABundleThatOpenBundleReadsBack) {
     ASSERT_TRUE(press(sheet, QStringLiteral("Review")));
     ASSERT_TRUE(press(sheet, QStringLiteral("Export && Share")));
     ASSERT_TRUE(waitFor([&] { return !m_acme.shareHistory.empty(); }));
+    EXPECT_EQ(std::filesystem::status(path).permissions() & std::filesystem::perms::all,
+              std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
     std::ofstream(folder() + "/pass") << "export pass";
     const CommandRun run = runCommand(std::string(VORLANE_CLI) + " open-bundle " + shellWord(path) +
                                       " --password-file " + shellWord(folder() + "/pass"));

@@ -10,6 +10,7 @@
 #include "components/TintedIcon.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
+#include "util/PrivateFile.h"
 #include "util/UserCalendar.h"
 
 #include <QButtonGroup>
@@ -26,7 +27,6 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QSaveFile>
 #include <QScrollArea>
 #include <QStackedWidget>
 #include <QTimeZone>
@@ -327,12 +327,8 @@ void ShareSheet::runMainAction() {
     };
     auto writeFile = [](const std::string& path,
                         const std::string& bytes) -> std::optional<std::string> {
-        QSaveFile file(toQString(path));
-        if (!file.open(QIODevice::WriteOnly) ||
-            file.write(bytes.data(), static_cast<qint64>(bytes.size())) !=
-                static_cast<qint64>(bytes.size()) ||
-            !file.commit()) {
-            return "The export could not be saved: " + toStdString(file.errorString()) + ".";
+        if (const std::optional<std::string> error = PrivateFile::write(path, bytes)) {
+            return "The export could not be saved: " + *error + ".";
         }
         return std::nullopt;
     };

@@ -23,8 +23,8 @@ namespace vorlane {
 struct AppContext;
 class StepIndicator;
 
-// The share sheet: draws a ShareFlow step by step. The bundle is written with QSaveFile, so a
-// failed write leaves no partial file behind.
+// The share sheet: draws a ShareFlow step by step. The bundle is written through PrivateFile:
+// owner-only, and a failed write leaves no partial file behind.
 class ShareSheet : public QDialog {
     Q_OBJECT
 
