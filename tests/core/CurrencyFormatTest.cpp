@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 namespace vorlane {
 namespace {
@@ -47,6 +49,56 @@ TEST(CurrencyFormatTest, EmptyLocaleIsTheProcessLocaleAndEachLocaleKeepsItsOwnFo
     EXPECT_EQ(currencyFormatted(amount("1234.5")), "$1,234.5");
     EXPECT_EQ(currencyFormatted(amount("1234.5"), "de_DE"), "1.234,5" + nbsp + "$");
     EXPECT_EQ(currencyFormatted(amount("1234.5")), "$1,234.5");
+}
+
+// Sets the vault's currency for one test and puts the default back.
+class VaultCurrency {
+public:
+    explicit VaultCurrency(std::string_view code) { EXPECT_TRUE(setVaultCurrency(code)); }
+    ~VaultCurrency() { setVaultCurrency(defaultCurrency); }
+};
+
+TEST(CurrencyFormatTest, EuroAndYenInGermanAndJapaneseWithTheCurrencysOwnDigits) {
+    {
+        const VaultCurrency euro("EUR");
+        EXPECT_EQ(currencyFormatted(amount("1234.5"), "de_DE"), "1.234,5" + nbsp + "€");
+        EXPECT_EQ(currencyFormatted(amount("15"), "de_DE", CurrencyDigits::all),
+                  "15,00" + nbsp + "€");
+        EXPECT_EQ(currencyFormatted(amount("0.015"), "de_DE", CurrencyDigits::all),
+                  "0,02" + nbsp + "€");
+        EXPECT_EQ(currencyFormatted(amount("1234.5"), "ja_JP"), "€1,234.5");
+        EXPECT_EQ(currencyFormatted(amount("15"), "ja_JP", CurrencyDigits::all), "€15.00");
+        EXPECT_EQ(currencyFormatted(amount("15"), "en_US", CurrencyDigits::all), "€15.00");
+    }
+    {
+        // The yen has no minor unit: never a fraction digit, whichever way it is asked for.
+        const VaultCurrency yen("JPY");
+        EXPECT_EQ(currencyFormatted(amount("1234.5"), "ja_JP"), "￥1,234");
+        EXPECT_EQ(currencyFormatted(amount("1235.5"), "ja_JP", CurrencyDigits::all), "￥1,236");
+        EXPECT_EQ(currencyFormatted(amount("15"), "ja_JP", CurrencyDigits::all), "￥15");
+        EXPECT_EQ(currencyFormatted(amount("1234.5"), "de_DE"), "1.234" + nbsp + "¥");
+        EXPECT_EQ(currencyFormatted(amount("15"), "de_DE", CurrencyDigits::all), "15" + nbsp + "¥");
+    }
+    // Back to the default: exactly what was written before there was a choice.
+    EXPECT_EQ(vaultCurrency(), "USD");
+    EXPECT_EQ(currencyFormatted(amount("15"), "en_US"), "$15");
+    EXPECT_EQ(currencyFormatted(amount("15"), "en_US", CurrencyDigits::all), "$15.00");
+}
+
+TEST(CurrencyFormatTest, OnlyCurrentIsoCodesAreAccepted) {
+    for (const char* code : {"usd", "XYZ", "", "EURO", "DEM"}) {
+        EXPECT_FALSE(setVaultCurrency(code)) << code;
+        EXPECT_EQ(vaultCurrency(), "USD") << code;
+    }
+    const std::vector<CurrencyChoice> choices = currencyChoices("en_US");
+    ASSERT_GT(choices.size(), 100u);
+    EXPECT_TRUE(std::is_sorted(choices.begin(), choices.end(),
+                               [](const auto& a, const auto& b) { return a.code < b.code; }));
+    const auto euro = std::find_if(choices.begin(), choices.end(),
+                                   [](const CurrencyChoice& c) { return c.code == "EUR"; });
+    ASSERT_NE(euro, choices.end());
+    EXPECT_EQ(euro->name, "Euro");
+    EXPECT_EQ(currencyChoices("de_DE").front().code, choices.front().code);
 }
 
 } // namespace
