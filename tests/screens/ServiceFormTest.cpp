@@ -8,6 +8,7 @@
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 #include "passwords/PasswordGenerator.h"
+#include "store/SqliteConnection.h"
 
 #include <libsecret/secret.h>
 
@@ -272,6 +273,51 @@ TEST_F(ServiceFormTest, AKeyringThatRefusesLeavesNothingSavedAndTheFormAsTyped) 
     EXPECT_EQ(form->values().title, "Locked out");
     EXPECT_TRUE(store().fetchAllServices().empty()) << "no record without its secret";
     EXPECT_EQ(form->savedService(), nullptr);
+}
+
+TEST_F(ServiceFormTest, AVaultFileThatRefusesTheSaveKeepsTheOldSecretAndRecord) {
+    ServiceRecord& service = addService(m_acme, "DB", [](ServiceRecord& s) {
+        s.secretKeychainID = ServiceRecord::makeSecretKeychainID();
+    });
+    ASSERT_TRUE(store().setPassword("old-password", service));
+    ASSERT_TRUE(store().save());
+    const std::string oldPasswordId = service.secretKeychainID;
+
+    // From here the file refuses every row written to it, as a full disk or a failing one would.
+    std::string error;
+    auto other = SqliteConnection::open(store().path(), SqliteConnection::Mode::readWrite, error);
+    ASSERT_TRUE(other) << error;
+    ASSERT_TRUE(other->execute("CREATE TRIGGER refuse BEFORE INSERT ON services BEGIN "
+                               "SELECT RAISE(ABORT, 'refused'); END"));
+
+    m_state.setEditingService(&service);
+    ServiceForm form(context());
+    form.values().title = "Database";
+    form.values().password.text = "new-password";
+    form.values().organization = &addOrganization("Beta");
+    EXPECT_FALSE(form.save());
+    EXPECT_EQ(form.saveError(),
+              "The service could not be saved to the vault file. Nothing was changed.");
+    EXPECT_EQ(form.savedService(), nullptr);
+    EXPECT_EQ(form.values().password.text, "new-password") << "what was typed stays";
+    EXPECT_EQ(service.title, "DB");
+    EXPECT_EQ(service.organization, &m_acme);
+    EXPECT_EQ(m_acme.services, std::vector<ServiceRecord*>{&service});
+    EXPECT_EQ(service.secretKeychainID, oldPasswordId);
+    EXPECT_EQ(store().getPassword(service), "old-password");
+
+    auto created = newForm("Never saved");
+    created->values().password.text = "orphan-password";
+    EXPECT_FALSE(created->save());
+    EXPECT_EQ(titlesOf(store().fetchAllServices()), std::vector<std::string>{"DB"});
+
+    // Once the file takes writes again, the same form saves and only then drops the old item.
+    ASSERT_TRUE(other->execute("DROP TRIGGER refuse"));
+    ASSERT_TRUE(form.save()) << form.saveError();
+    EXPECT_EQ(service.title, "Database");
+    EXPECT_EQ(store().getPassword(service), "new-password");
+    EXPECT_FALSE(m_keychain.readData(oldPasswordId)) << "the replaced item is removed";
+    EXPECT_FALSE(store().hasUnsavedChanges());
 }
 
 } // namespace

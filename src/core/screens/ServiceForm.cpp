@@ -259,18 +259,39 @@ bool ServiceForm::save() {
         return false;
     }
 
+    // The secrets the record no longer names go only once the file no longer names them either:
+    // until the save has succeeded, the vault still points at them.
+    std::optional<ServiceRecord> previous;
+    ServiceRecord* saved = existing;
     if (existing != nullptr) {
-        Organization* previousOwner = existing->organization;
+        previous = *existing;
         *existing = std::move(draft);
         store.noteChanged(*existing);
-        if (v.organization != previousOwner) {
+        if (v.organization != previous->organization) {
             store.moveService(*existing, *v.organization);
         }
-        m_saved = existing;
     } else {
-        m_saved = &store.insert(std::move(draft), *v.organization);
+        saved = &store.insert(std::move(draft), *v.organization);
     }
-    store.save();
+    if (!store.save()) {
+        // The record goes back to what the file holds, and what this attempt wrote to the
+        // keyring is taken back; the form keeps what was typed for another try.
+        if (previous) {
+            if (previous->organization != nullptr &&
+                existing->organization != previous->organization) {
+                store.moveService(*existing, *previous->organization);
+            }
+            previous->organization = existing->organization; // membership is the store's to change
+            *existing = std::move(*previous);
+            store.noteChanged(*existing);
+        } else {
+            store.deleteService(*saved);
+        }
+        store.deleteServiceSecrets(written);
+        m_saveError = "The service could not be saved to the vault file. Nothing was changed.";
+        return false;
+    }
+    m_saved = saved;
     store.deleteServiceSecrets(replaced);
     return true;
 }

@@ -29,6 +29,8 @@ struct ServiceRecord;
 // authentication): the field is empty with a placeholder, left alone it keeps the stored secret,
 // "Remove" deletes it on save. Secrets are written first: if the secret store refuses one,
 // nothing is saved, what was written for this attempt is removed again, and `saveError` says so.
+// Then the record is saved, and only after that are the secrets it stopped naming deleted; when
+// the vault file refuses the save, the record and the stored secrets stay as they were.
 // Typed secrets are wiped when the form goes. Main thread; the context outlives it.
 class ServiceForm {
 public:
