@@ -35,9 +35,12 @@ TEST_F(OrganizationFormTest, CreatingTrimsTheNameSplitsTheTagsAndKeepsTheRestAsT
     sheet.name = "   ";
     EXPECT_FALSE(sheet.canSave());
     EXPECT_EQ(sheet.save(), nullptr);
+    sheet.name = "\u00A0\u3000\u2028";
+    EXPECT_FALSE(sheet.canSave()) << "no-break and ideographic spaces are whitespace";
+    EXPECT_EQ(sheet.save(), nullptr);
     EXPECT_TRUE(store().fetchOrganizations(true).empty());
 
-    sheet.name = "  Acme Corp \t";
+    sheet.name = "\u00A0 Acme Corp \t\u3000";
     sheet.projectName = " Relaunch ";
     sheet.contactName = "  Jo ";
     sheet.website = "acme.example ";

@@ -35,6 +35,8 @@ TEST_F(SmartPasteFlowTest, ParseNeedsMoreThanWhitespaceAndSaveNeedsAnOrganizatio
     flow.setRawText("  \n\t \r\n ");
     EXPECT_FALSE(flow.mainButtonEnabled());
     EXPECT_EQ(flow.characterCount(), "7 characters") << "CR LF is one character";
+    flow.setRawText("\u00A0\u3000\u2028 \u00A0");
+    EXPECT_FALSE(flow.mainButtonEnabled()) << "no-break and ideographic spaces are whitespace";
 
     flow.setRawText(welcomeMail);
     ASSERT_TRUE(flow.mainButtonEnabled());

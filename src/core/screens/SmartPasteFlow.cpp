@@ -7,6 +7,7 @@
 #include "store/DataStore.h"
 #include "util/DateText.h"
 #include "util/UserCalendar.h"
+#include "util/Whitespace.h"
 
 #include <unicode/brkiter.h>
 #include <unicode/locid.h>
@@ -17,10 +18,6 @@
 namespace vorlane {
 
 namespace {
-
-bool isBlank(std::string_view text) {
-    return text.find_first_not_of(" \t\r\n\f\v") == std::string_view::npos;
-}
 
 std::size_t graphemeCount(const std::string& text) {
     const icu::UnicodeString unicode = icu::UnicodeString::fromUTF8(text);

@@ -3,20 +3,6 @@
 
 namespace vorlane {
 
-namespace {
-
-constexpr std::string_view whitespace = " \t\n\r\f\v";
-
-} // namespace
-
-std::string_view trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(whitespace);
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(whitespace) - first + 1);
-}
-
 std::vector<std::string> splitTags(std::string_view text) {
     std::vector<std::string> tags;
     std::size_t start = 0;
