@@ -183,6 +183,144 @@ TEST_F(ReminderTest, ReminderAcrossTheDaylightSavingChangeKeepsItsWallClockTime)
               utc(2026, 3, 9, 18, 30));
 }
 
+TEST_F(ReminderTest, EveryLeadTimeAndTheDayItselfKeepTheirWallClockTimeAcrossTheChange) {
+    // New York moves to summer time on 8 March 2026: 14:30 is 19:30 UTC before, 18:30 after.
+    m_clock.set(utc(2026, 2, 1, 17));
+    m_manager.setSettings({.daysBefore = {30, 14, 7, 3, 1, 0}});
+    const ServiceRecord& site = service("acme.com", utc(2026, 3, 10, 18, 30) + seconds(15));
+    schedule();
+    const std::string id = site.id.toString();
+    const auto pending = pendingById();
+    ASSERT_EQ(pending.size(), 6U);
+    const std::map<std::string, Instant> expected{
+        {"vorlane.warn." + id + ".30d", utc(2026, 2, 8, 19, 30)},
+        {"vorlane.warn." + id + ".14d", utc(2026, 2, 24, 19, 30)},
+        {"vorlane.warn." + id + ".7d", utc(2026, 3, 3, 19, 30)},
+        {"vorlane.warn." + id + ".3d", utc(2026, 3, 7, 19, 30)},
+        {"vorlane.critical." + id + ".1d", utc(2026, 3, 9, 18, 30)},
+        {"vorlane.critical." + id + ".0d", utc(2026, 3, 10, 18, 30)},
+    };
+    for (const auto& [identifier, due] : expected) {
+        ASSERT_TRUE(pending.contains(identifier)) << identifier;
+        EXPECT_EQ(pending.at(identifier).dueMinute, due) << identifier;
+        EXPECT_EQ(NotificationManager::daysBeforeOf(identifier),
+                  std::stoi(identifier.substr(identifier.rfind('.') + 1)));
+    }
+    EXPECT_EQ(pending.at("vorlane.warn." + id + ".30d").body,
+              "Your Domain Registrar \"acme.com\" for Acme expires in 30 days.");
+    EXPECT_EQ(pending.at("vorlane.warn." + id + ".30d").categoryIdentifier, "EXPIRATION_WARNING");
+    EXPECT_EQ((pending.at("vorlane.critical." + id + ".0d")),
+              (NotificationRequest{
+                  .identifier = "vorlane.critical." + id + ".0d",
+                  .title = "Expires Today",
+                  .body = "Domain Registrar \"acme.com\" for Acme expires today.",
+                  .sound = Sound::critical,
+                  .categoryIdentifier = "EXPIRATION_CRITICAL",
+                  .interruptionLevel = Level::timeSensitive,
+                  .dueMinute = utc(2026, 3, 10, 18, 30),
+              }));
+}
+
+TEST_F(ReminderTest, RemindAtNineBringsEveryReminderOfThatDayAtNine) {
+    m_clock.set(utc(2026, 2, 1, 17));
+    m_manager.setSettings(
+        {.daysBefore = {7, 3, 1, 0}, .minuteOfDay = ReminderSettings::offeredMinuteOfDay});
+    // Expiring at midnight (a date picked in the form) and at 23:10: both at 09:00 either way.
+    const ServiceRecord& midnight = service("acme.com", utc(2026, 3, 10, 4));
+    const ServiceRecord& late = service("late.com", utc(2026, 3, 11, 3, 10));
+    schedule();
+    const auto pending = pendingById();
+    ASSERT_EQ(pending.size(), 8U);
+    const std::string id = midnight.id.toString();
+    EXPECT_EQ(pending.at("vorlane.warn." + id + ".7d").dueMinute, utc(2026, 3, 3, 14));
+    EXPECT_EQ(pending.at("vorlane.warn." + id + ".3d").dueMinute, utc(2026, 3, 7, 14));
+    EXPECT_EQ(pending.at("vorlane.critical." + id + ".1d").dueMinute, utc(2026, 3, 9, 13));
+    EXPECT_EQ(pending.at("vorlane.critical." + id + ".0d").dueMinute, utc(2026, 3, 10, 13));
+    EXPECT_EQ(pending.at("vorlane.critical." + late.id.toString() + ".0d").dueMinute,
+              utc(2026, 3, 10, 13));
+
+    // Just after 09:00 on 9 March only the two reminders of 10 March are still ahead.
+    m_clock.set(utc(2026, 3, 9, 13) + minutes(1));
+    schedule();
+    std::set<std::string> ids;
+    for (const auto& [identifier, request] : pendingById()) {
+        ids.insert(identifier);
+    }
+    EXPECT_EQ(ids, (std::set<std::string>{"vorlane.critical." + id + ".0d",
+                                          "vorlane.critical." + late.id.toString() + ".0d"}));
+}
+
+TEST_F(ReminderTest, ServicesThatRenewAutomaticallySaySoAndCanBeLeftOut) {
+    Organization northwind;
+    northwind.name = "Northwind";
+    ServiceRecord& edge = service("Edge", utc(2026, 3, 20, 18, 30), ServiceType::vps);
+    edge.organization = &northwind;
+    edge.autoRenew = true;
+    const ServiceRecord& manual = service("acme.com", utc(2026, 3, 20, 18, 30));
+    m_manager.setSettings({.daysBefore = {3, 1, 0}});
+    schedule();
+    auto pending = pendingById();
+    const std::string id = edge.id.toString();
+    EXPECT_EQ(pending.at("vorlane.warn." + id + ".3d").body,
+              "Your VPS \"Edge\" for Northwind renews automatically in 3 days.");
+    EXPECT_EQ(pending.at("vorlane.critical." + id + ".1d").body,
+              "VPS \"Edge\" for Northwind renews automatically tomorrow.");
+    EXPECT_EQ(pending.at("vorlane.critical." + id + ".0d").body,
+              "VPS \"Edge\" for Northwind renews automatically today.");
+    EXPECT_EQ(pending.at("vorlane.critical." + id + ".0d").title, "Expires Today");
+
+    m_manager.setSettings({.daysBefore = {3, 1, 0}, .includeAutoRenewing = false});
+    schedule();
+    pending = pendingById();
+    EXPECT_EQ(pending.size(), 3U);
+    EXPECT_TRUE(pending.contains("vorlane.warn." + manual.id.toString() + ".3d"));
+    EXPECT_FALSE(pending.contains("vorlane.warn." + id + ".3d"));
+}
+
+TEST_F(ReminderTest, ASnoozedReminderComesAgainADayLaterOnceAndNotAfterARenewal) {
+    NotificationServerProcess server;
+    ASSERT_TRUE(server.ready());
+    ServiceRecord& site = service("acme.com", utc(2026, 3, 12, 18, 30));
+    ServiceRecord& other = service("other.com", utc(2026, 3, 12, 18, 30));
+    schedule();
+    m_clock.set(utc(2026, 3, 11, 18, 30) + seconds(5));
+    ASSERT_TRUE(m_center.deliverDue(m_clock.now()));
+    ASSERT_EQ(server.shown().size(), 2U);
+
+    const std::string critical = "vorlane.critical." + site.id.toString() + ".1d";
+    m_manager.snooze(site, critical);
+    m_manager.snooze(site, "vorlane.critical.not-a-uuid.1d"); // not one of ours: nothing
+    m_manager.snooze(other, critical);                        // another service's: nothing
+    schedule();
+    const auto pending = m_center.pendingRequests();
+    ASSERT_EQ(pending.size(), 1U);
+    EXPECT_EQ(pending[0].identifier, critical + ".snoozed");
+    EXPECT_EQ(pending[0].dueMinute, utc(2026, 3, 12, 18, 30));
+    EXPECT_EQ(pending[0].title, "Critical: Expiring Tomorrow");
+    EXPECT_EQ(NotificationManager::serviceOf(pending[0].identifier), site.id);
+    EXPECT_EQ(NotificationManager::daysBeforeOf(pending[0].identifier), 1);
+
+    // Shown a day later, once: neither the tick nor a rebuild brings it back.
+    m_clock.set(utc(2026, 3, 12, 18, 30));
+    ASSERT_TRUE(m_center.deliverDue(m_clock.now()));
+    ASSERT_EQ(server.shown().size(), 3U);
+    EXPECT_EQ(server.shown()[2].value("body").toString(),
+              "Domain Registrar \"acme.com\" for Acme expires tomorrow.");
+    m_clock.set(utc(2026, 3, 12, 18, 31));
+    schedule();
+    EXPECT_TRUE(m_center.deliverDue(m_clock.now()));
+    EXPECT_EQ(server.shown().size(), 3U);
+
+    // Snoozed, then renewed: the expiration moved, so the snoozed one goes with the old date.
+    m_clock.set(utc(2026, 3, 11, 18, 30) + seconds(5));
+    m_manager.snooze(other, "vorlane.critical." + other.id.toString() + ".1d");
+    other.expirationDate = utc(2027, 3, 12, 18, 30);
+    schedule();
+    for (const NotificationRequest& request : m_center.pendingRequests()) {
+        EXPECT_FALSE(request.identifier.ends_with(".snoozed")) << request.identifier;
+    }
+}
+
 TEST_F(ReminderTest, DueRemindersArriveOnceWithUrgencyCategoryAndDesktopEntry) {
     NotificationServerProcess server;
     ASSERT_TRUE(server.ready());

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "reminders/NotificationManager.h"
 
+#include "calendar/LeadTimes.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 #include "reminders/NotificationCenter.h"
 #include "util/UserCalendar.h"
 
+#include <charconv>
 #include <chrono>
 #include <cstddef>
 #include <initializer_list>
@@ -21,6 +23,8 @@ namespace {
 
 constexpr std::string_view warningPrefix = "vorlane.warn.";
 constexpr std::string_view criticalPrefix = "vorlane.critical.";
+// Added to a snoozed reminder's identifier: it is shown apart from the one it repeats.
+constexpr std::string_view snoozedSuffix = ".snoozed";
 
 // A rebuild makes tens of thousands of these texts: each is put together in one allocation.
 std::string joined(std::initializer_list<std::string_view> parts) {
@@ -45,6 +49,7 @@ struct Expiring {
     std::size_t titleAt;        // in Reminded::titles
     std::size_t titleSize;
     std::size_t owner; // in Reminded::owners
+    bool autoRenew;
 };
 
 struct Reminded {
@@ -59,71 +64,71 @@ struct Reminded {
     }
 };
 
-std::string identifier(std::string_view prefix, std::string_view id, int daysBefore) {
-    return joined({prefix, id, ".", std::to_string(daysBefore), "d"});
-}
-
-// Expiration minus `daysBefore` calendar days, seconds dropped; nothing when the calendar cannot
-// give it or it is not strictly later than now.
-std::optional<Instant> reminderMinute(const UserCalendar& calendar, Instant now, Instant expiration,
-                                      int daysBefore) {
-    // Calendar days, so a reminder across a daylight-saving change keeps the wall-clock time.
-    const std::optional<Instant> date =
-        calendar.adding(UserCalendar::Unit::day, -daysBefore, expiration);
-    if (!date || *date <= now) {
-        return std::nullopt;
+// The warning, critical or on-the-day reminder of `service`, `daysBefore` days before it expires.
+NotificationRequest request(const Expiring& service, std::string_view id, std::string_view title,
+                            std::string_view owner, Instant due, int daysBefore) {
+    // A service that renews by itself needs its card checked, not a renewal by hand: say so.
+    const std::string_view happens = service.autoRenew ? " renews automatically" : " expires";
+    const std::string days = std::to_string(daysBefore);
+    if (daysBefore >= 2) {
+        return {
+            .identifier = joined({warningPrefix, id, ".", days, "d"}),
+            .title = "Expiration Warning",
+            .body = joined({"Your ", service.typeLabel, " \"", title, "\" for ", owner, happens,
+                            " in ", days, " days."}),
+            .sound = NotificationRequest::Sound::standard,
+            .categoryIdentifier = std::string(NotificationManager::warningCategory),
+            .interruptionLevel = NotificationRequest::InterruptionLevel::active,
+            .dueMinute = due,
+        };
     }
-    // Every zone in use today is a whole number of minutes from UTC, so dropping the seconds of
-    // the instant drops those of the local time of day too.
-    return std::chrono::floor<std::chrono::minutes>(*date);
-}
-
-void scheduleWarning(std::vector<NotificationRequest>& requests, const Expiring& service,
-                     std::string_view id, std::string_view title, std::string_view owner,
-                     Instant due, int daysBefore) {
-    requests.push_back({
-        .identifier = identifier(warningPrefix, id, daysBefore),
-        .title = "Expiration Warning",
-        .body = joined({"Your ", service.typeLabel, " \"", title, "\" for ", owner, " expires in ",
-                        std::to_string(daysBefore), " days."}),
-        .sound = NotificationRequest::Sound::standard,
-        .categoryIdentifier = std::string(NotificationManager::warningCategory),
-        .interruptionLevel = NotificationRequest::InterruptionLevel::active,
-        .dueMinute = due,
-    });
-}
-
-void scheduleCritical(std::vector<NotificationRequest>& requests, const Expiring& service,
-                      std::string_view id, std::string_view title, std::string_view owner,
-                      Instant due, int daysBefore) {
     // No "Your " here, unlike the warning: the title already says how urgent it is.
-    requests.push_back({
-        .identifier = identifier(criticalPrefix, id, daysBefore),
-        .title = "Critical: Expiring Tomorrow",
-        .body = joined({service.typeLabel, " \"", title, "\" for ", owner, " expires tomorrow."}),
+    const bool today = daysBefore == 0;
+    return {
+        .identifier = joined({criticalPrefix, id, ".", days, "d"}),
+        .title = today ? "Expires Today" : "Critical: Expiring Tomorrow",
+        .body = joined({service.typeLabel, " \"", title, "\" for ", owner, happens,
+                        today ? " today." : " tomorrow."}),
         .sound = NotificationRequest::Sound::critical,
         .categoryIdentifier = std::string(NotificationManager::criticalCategory),
         .interruptionLevel = NotificationRequest::InterruptionLevel::timeSensitive,
         .dueMinute = due,
-    });
+    };
 }
 
-std::vector<NotificationRequest> requestsFor(const Reminded& reminded, const UserCalendar& calendar,
-                                             Instant now) {
-    constexpr int warningDaysBefore = NotificationManager::warningDaysBefore;
-    constexpr int criticalDaysBefore = NotificationManager::criticalDaysBefore;
+std::vector<NotificationRequest>
+requestsFor(const Reminded& reminded, const UserCalendar& calendar, Instant now,
+            const ReminderSettings& settings,
+            const std::vector<NotificationManager::Snoozed>& snoozed) {
     std::vector<NotificationRequest> requests;
-    requests.reserve(2 * reminded.services.size());
+    requests.reserve(settings.daysBefore.size() * reminded.services.size() + snoozed.size());
+    std::unordered_map<Uuid, std::vector<const NotificationManager::Snoozed*>> snoozedOf;
+    for (const NotificationManager::Snoozed& again : snoozed) {
+        snoozedOf[again.service].push_back(&again);
+    }
     for (const Expiring& service : reminded.services) {
         const std::string id = service.id.toString();
         const std::string_view title = reminded.title(service);
         const std::string_view owner = reminded.owners[service.owner];
-        if (const auto due = reminderMinute(calendar, now, service.expiration, warningDaysBefore)) {
-            scheduleWarning(requests, service, id, title, owner, *due, warningDaysBefore);
+        for (const int daysBefore : settings.daysBefore) {
+            const std::optional<Instant> due = LeadTimes::reminderMinute(
+                calendar, service.expiration, daysBefore, settings.minuteOfDay);
+            if (due && *due > now) {
+                requests.push_back(request(service, id, title, owner, *due, daysBefore));
+            }
         }
-        if (const auto due =
-                reminderMinute(calendar, now, service.expiration, criticalDaysBefore)) {
-            scheduleCritical(requests, service, id, title, owner, *due, criticalDaysBefore);
+        if (snoozedOf.empty()) {
+            continue;
+        }
+        if (const auto again = snoozedOf.find(service.id); again != snoozedOf.end()) {
+            for (const NotificationManager::Snoozed* snooze : again->second) {
+                if (snooze->expiration == service.expiration) {
+                    NotificationRequest copy =
+                        request(service, id, title, owner, snooze->due, snooze->daysBefore);
+                    copy.identifier += snoozedSuffix;
+                    requests.push_back(std::move(copy));
+                }
+            }
         }
     }
     return requests;
@@ -158,7 +163,8 @@ void NotificationManager::scheduleExpirationNotifications(
     reminded->owners.emplace_back("a client");
     std::unordered_map<const Organization*, std::size_t> owners;
     for (const ServiceRecord* service : services) {
-        if (!service->expirationDate || service->isArchived || *service->expirationDate <= now) {
+        if (!service->expirationDate || service->isArchived || *service->expirationDate <= now ||
+            !LeadTimes::reminds(*service, m_settings)) {
             continue;
         }
         std::size_t owner = 0;
@@ -175,11 +181,53 @@ void NotificationManager::scheduleExpirationNotifications(
                                       .typeLabel = service->serviceType().label(),
                                       .titleAt = reminded->titles.size(),
                                       .titleSize = service->title.size(),
-                                      .owner = owner});
+                                      .owner = owner,
+                                      .autoRenew = service->autoRenew});
         reminded->titles.append(service->title);
     }
+    // A snoozed reminder is shown once: gone from here after its minute.
+    std::erase_if(m_snoozed, [now](const Snoozed& again) { return again.due <= now; });
     m_center.replaceAllPendingRequests(
-        [reminded, &calendar = m_calendar, now] { return requestsFor(*reminded, calendar, now); });
+        [reminded, &calendar = m_calendar, now, settings = m_settings, snoozed = m_snoozed] {
+            return requestsFor(*reminded, calendar, now, settings, snoozed);
+        });
+}
+
+void NotificationManager::snooze(const ServiceRecord& service, std::string_view identifier) {
+    const std::optional<int> daysBefore = daysBeforeOf(identifier);
+    if (!daysBefore || serviceOf(identifier) != service.id || !service.expirationDate) {
+        return;
+    }
+    const Instant due = std::chrono::floor<std::chrono::minutes>(m_calendar.now() + snoozeDelay);
+    // Snoozed again: the later time stands.
+    std::erase_if(m_snoozed, [&](const Snoozed& again) {
+        return again.service == service.id && again.daysBefore == *daysBefore;
+    });
+    m_snoozed.push_back({.service = service.id,
+                         .daysBefore = *daysBefore,
+                         .expiration = *service.expirationDate,
+                         .due = due});
+}
+
+std::optional<int> NotificationManager::daysBeforeOf(std::string_view identifier) {
+    if (!serviceOf(identifier)) {
+        return std::nullopt;
+    }
+    // "<prefix><UUID>.<n>d", perhaps followed by the snoozed suffix.
+    if (identifier.ends_with(snoozedSuffix)) {
+        identifier.remove_suffix(snoozedSuffix.size());
+    }
+    const std::size_t dot = identifier.rfind('.');
+    if (dot == std::string_view::npos || !identifier.ends_with('d')) {
+        return std::nullopt;
+    }
+    const std::string_view digits = identifier.substr(dot + 1, identifier.size() - dot - 2);
+    int days = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), days);
+    if (error != std::errc() || end != digits.data() + digits.size() || digits.empty()) {
+        return std::nullopt;
+    }
+    return days;
 }
 
 std::optional<Uuid> NotificationManager::serviceOf(std::string_view identifier) {

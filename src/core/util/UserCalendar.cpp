@@ -127,6 +127,38 @@ std::optional<Instant> UserCalendar::adding(Unit unit, int amount, Instant insta
     return fromUDate(result);
 }
 
+std::optional<UserCalendar::LocalTime> UserCalendar::localTime(Instant instant) const {
+    std::lock_guard lock(m_mutex);
+    UErrorCode status = U_ZERO_ERROR;
+    m_calendar->setTime(toUDate(instant), status);
+    const LocalTime local{
+        .year = m_calendar->get(UCAL_EXTENDED_YEAR, status),
+        .month = m_calendar->get(UCAL_MONTH, status) + 1,
+        .day = m_calendar->get(UCAL_DATE, status),
+        .minuteOfDay =
+            m_calendar->get(UCAL_HOUR_OF_DAY, status) * 60 + m_calendar->get(UCAL_MINUTE, status),
+    };
+    if (U_FAILURE(status)) {
+        return std::nullopt;
+    }
+    return local;
+}
+
+std::optional<Instant> UserCalendar::atMinuteOfDay(Instant instant, int minuteOfDay) const {
+    std::lock_guard lock(m_mutex);
+    UErrorCode status = U_ZERO_ERROR;
+    m_calendar->setTime(toUDate(instant), status);
+    m_calendar->set(UCAL_HOUR_OF_DAY, minuteOfDay / 60);
+    m_calendar->set(UCAL_MINUTE, minuteOfDay % 60);
+    m_calendar->set(UCAL_SECOND, 0);
+    m_calendar->set(UCAL_MILLISECOND, 0);
+    const UDate result = m_calendar->getTime(status);
+    if (U_FAILURE(status)) {
+        return std::nullopt;
+    }
+    return fromUDate(result);
+}
+
 std::optional<Instant> UserCalendar::startOfMonth(Instant instant) const {
     std::lock_guard lock(m_mutex);
     UErrorCode status = U_ZERO_ERROR;

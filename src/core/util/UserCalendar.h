@@ -26,6 +26,15 @@ class UserCalendar {
 public:
     enum class Unit { day, month, year };
 
+    // A day and time on the user's wall clock.
+    struct LocalTime {
+        int year = 0;
+        int month = 0; // 1 to 12
+        int day = 0;
+        int minuteOfDay = 0; // 0 to 1439
+        friend bool operator==(const LocalTime&, const LocalTime&) = default;
+    };
+
     // An empty zone id means the user's zone as the system reports it (TZ, /etc/localtime); an
     // unknown id gives ICU's "Etc/Unknown" zone, which behaves as UTC.
     explicit UserCalendar(const Clock& clock, std::string_view timeZoneId = {});
@@ -45,6 +54,13 @@ public:
     // `amount` units after `instant` (before it when negative), keeping the time of day; a day of
     // the month that the target month lacks becomes that month's last day.
     std::optional<Instant> adding(Unit unit, int amount, Instant instant) const;
+
+    // The wall-clock day and minute of `instant`; nothing when ICU cannot compute it.
+    std::optional<LocalTime> localTime(Instant instant) const;
+
+    // `minuteOfDay` on the day of `instant`, in the user's zone (the next valid minute where a
+    // daylight-saving change skips it).
+    std::optional<Instant> atMinuteOfDay(Instant instant, int minuteOfDay) const;
 
     // Midnight that begins the first day of `instant`'s month, in the user's zone (or the first
     // moment of that day where a daylight-saving change skips midnight).
