@@ -10,7 +10,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <ostream>
 
@@ -34,10 +36,23 @@ private:
     std::string& m_text;
 };
 
+// What a file to read may hold at most, and how its refusal is worded.
+struct SizeLimit {
+    std::size_t bytes;
+    const char* refusal;
+};
+
+// No export of a vault comes near this; a bigger file (or an endless one like /dev/zero) is not
+// read, rather than read until memory runs out.
+constexpr SizeLimit bundleLimit{ExportBundle::largestFile,
+                                "it is larger than 64 MiB, which no export bundle is"};
+constexpr SizeLimit secretLimit{64 * 1024, "it is larger than 64 KiB, which no password or key is"};
+
 // Reads all of a file, a pipe or a process substitution like <(pass show client) into
-// `contents`. The buffer is grown by hand, wiping each old one, so that a secret read this way
-// leaves no copies in freed memory. The error text on failure.
-std::optional<std::string> readWholeFile(const std::string& path, std::string& contents) {
+// `contents`, up to `limit`. The buffer is grown by hand, wiping each old one, so that a secret
+// read this way leaves no copies in freed memory. The error text on failure.
+std::optional<std::string> readWholeFile(const std::string& path, std::string& contents,
+                                         const SizeLimit& limit) {
     const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0) {
         return std::strerror(errno);
@@ -45,13 +60,23 @@ std::optional<std::string> readWholeFile(const std::string& path, std::string& c
     struct stat status {};
     std::size_t capacity = 4096;
     if (fstat(file, &status) == 0 && S_ISREG(status.st_mode)) {
+        if (static_cast<std::uintmax_t>(status.st_size) > limit.bytes) {
+            ::close(file);
+            return limit.refusal;
+        }
         capacity = static_cast<std::size_t>(status.st_size) + 1; // + 1 to see the end at once
     }
-    contents.assign(capacity, '\0');
+    // One byte beyond the limit tells a file that is too long from one that just fits.
+    const std::size_t most = limit.bytes + 1;
+    contents.assign(std::min(capacity, most), '\0');
     std::size_t done = 0;
     for (;;) {
+        if (done == most) {
+            ::close(file);
+            return limit.refusal;
+        }
         if (done == contents.size()) {
-            std::string bigger(contents.size() * 2, '\0');
+            std::string bigger(std::min(contents.size() * 2, most), '\0');
             std::memcpy(bigger.data(), contents.data(), done);
             OPENSSL_cleanse(contents.data(), contents.size());
             contents.swap(bigger);
@@ -132,7 +157,7 @@ int OpenBundleCommand::run(CliInvocation& invocation) {
     }
 
     std::string fileText;
-    if (const auto error = readWholeFile(*bundlePath, fileText)) {
+    if (const auto error = readWholeFile(*bundlePath, fileText, bundleLimit)) {
         err << "vorlane-cli: cannot read " << *bundlePath << ": " << *error << "\n";
         return failed;
     }
@@ -157,7 +182,7 @@ int OpenBundleCommand::run(CliInvocation& invocation) {
     std::string secret;
     const WipeOnExit wipeSecret(secret);
     if (const auto& secretFile = needsPassword ? passwordFile : keyFile) {
-        if (const auto error = readWholeFile(*secretFile, secret)) {
+        if (const auto error = readWholeFile(*secretFile, secret, secretLimit)) {
             err << "vorlane-cli: cannot read " << *secretFile << ": " << *error << "\n";
             return failed;
         }

@@ -97,6 +97,8 @@ TEST_F(OpenBundleCliTest, FailuresPrintTheirMessageAndNothingOfThePayload) {
     write("wrong", "wrong");
     write("empty", "");
     write("short-key", key->substr(0, 40) + "==");
+    // One byte over the limit, and sparse: no disk space taken.
+    fs::resize_file(write("huge.vorlane", "{"), 64 * 1024 * 1024 + 1);
 
     const std::string p = dir.string() + "/";
     const std::pair<std::vector<std::string>, std::string> cases[] = {
@@ -120,6 +122,16 @@ TEST_F(OpenBundleCliTest, FailuresPrintTheirMessageAndNothingOfThePayload) {
         {{"open-bundle", p + "key.vorlane", "--password-file", p + "right"},
          "vorlane-cli: this bundle was sealed with a generated key, not a password: give the key "
          "with --key-file FILE or at the prompt\n"},
+        // Endless or oversized files are refused after a bounded read, never read to the end.
+        {{"open-bundle", "/dev/zero"},
+         "vorlane-cli: cannot read /dev/zero: it is larger than 64 MiB, which no export bundle "
+         "is\n"},
+        {{"open-bundle", p + "huge.vorlane"},
+         "vorlane-cli: cannot read " + p +
+             "huge.vorlane: it is larger than 64 MiB, which no export bundle is\n"},
+        {{"open-bundle", p + "password.vorlane", "--password-file", "/dev/zero"},
+         "vorlane-cli: cannot read /dev/zero: it is larger than 64 KiB, which no password or key "
+         "is\n"},
     };
     for (const auto& [arguments, message] : cases) {
         SCOPED_TRACE(arguments[1] + (arguments.size() > 3 ? " " + arguments[3] : ""));

@@ -14,6 +14,9 @@ namespace vorlane {
 struct ExportBundle {
     static constexpr int currentVersion = 1;
     static constexpr std::size_t saltSize = 32;
+    // The largest bundle file a reader takes (64 MiB): far above any export of a vault, and a
+    // bound on what a hostile or endless file can make it read.
+    static constexpr std::size_t largestFile = 64 * 1024 * 1024;
 
     int version = currentVersion;
     // 32 random bytes when the key came from a password; empty when it was generated.
