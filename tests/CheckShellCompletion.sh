@@ -41,9 +41,11 @@ expect() {
 }
 
 # The commands: each one the program knows (it answers anything but "unknown command"), and as
-# many as its --help lists between "Commands:" and the blank line after them.
+# many as its --help lists between "Commands:" and the blank line after them (a line two spaces in
+# for each form of a command, its description perhaps on lines indented further).
 read -ra commands <<<"$(offered "")"
-listed=$("$cli" --help | awk '/^Commands:/ { inside = 1; next } /^$/ { inside = 0 } inside' | wc -l)
+listed=$("$cli" --help | awk '/^Commands:/ { inside = 1; next } /^$/ { inside = 0 }
+                              inside && /^  [^ ]/ { print $1 }' | sort -u | wc -l)
 ((${#commands[@]} == listed)) ||
   fail "the completion offers ${#commands[@]} commands (${commands[*]}), --help lists $listed"
 ((listed > 0)) || fail "--help lists no commands"

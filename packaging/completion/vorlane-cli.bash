@@ -1,8 +1,9 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # bash completion for vorlane-cli: the commands, the options before them, and each command's own
-# options. All three are read from the program's --help (one line per command, starting with its
-# name and usage; the options section after it), so a new command or option completes without an
-# edit here. An option's argument and a command's operands complete as file names.
+# options. All three are read from the program's --help (a line for each form of a command, two
+# spaces in, starting with its name and usage; its description after two spaces or on lines
+# indented further; the options section after it), so a new command or option completes without
+# an edit here. An option's argument and a command's operands complete as file names.
 
 # Reads `program --help` into _vorlane_cli_commands (names), _vorlane_cli_usage (name -> its usage
 # words), _vorlane_cli_globals (the options before the command) and _vorlane_cli_valued (options
@@ -15,20 +16,20 @@ _vorlane_cli_read_help() {
         case $line in
             Commands:*) section=commands; continue ;;
             Options*:) section=options; continue ;;
-            "  "[!\ ]*) ;;
+            "  "[!\ ]*) ;;                  # a command's (or option's) usage
+            "   "*) continue ;;              # the rest of a description
             *) section=; continue ;;
         esac
+        [[ -n $section ]] || continue
         # The usage ends where two spaces start the description.
         usage=${line#  }
         usage=${usage%%  *}
-        usage=${usage//[\[\]|]/ }
-        usage=${usage//,/ }
+        usage=${usage//[\[\]|(),]/ }
         if [[ $section == commands ]]; then
+            # A command with several forms has a line for each.
             word=${usage%% *}
-            _vorlane_cli_commands+=("$word")
-            _vorlane_cli_usage[$word]=$usage
-        elif [[ $section != options ]]; then
-            continue
+            [[ -v _vorlane_cli_usage[$word] ]] || _vorlane_cli_commands+=("$word")
+            _vorlane_cli_usage[$word]+=" $usage"
         fi
         previous=
         for word in $usage; do
@@ -36,7 +37,7 @@ _vorlane_cli_read_help() {
                 _vorlane_cli_globals+=("$word")
             fi
             # An option followed by a placeholder in capitals takes a value.
-            if [[ $previous == -* && $word =~ ^[A-Z]+$ ]]; then
+            if [[ $previous == -* && $word =~ ^[A-Z][A-Z_-]*$ ]]; then
                 _vorlane_cli_valued+=("$previous")
             fi
             previous=$word
