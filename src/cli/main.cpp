@@ -33,7 +33,8 @@ std::vector<std::unique_ptr<CliCommand>> makeCommands() {
 }
 
 // The manual page is made from this text by help2man, and the shell completions read the
-// commands and their options from it: one line per command, starting with its name.
+// commands and their options from it: a line two spaces in for each form of a command, starting
+// with its name; a description that does not fit after it goes on lines indented further.
 void printHelp(const std::vector<std::unique_ptr<CliCommand>>& commands) {
     std::cout << "Usage: vorlane-cli [--vault PATH] [--json] COMMAND [ARGUMENTS]\n"
                  "Work on the Vorlane vault without its window: search it, list renewals and\n"
