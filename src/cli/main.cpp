@@ -5,6 +5,8 @@
 #include "DemoCommand.h"
 #include "ExpiredCommand.h"
 #include "ExpiringCommand.h"
+#include "ImportCommand.h"
+#include "ListCommand.h"
 #include "OpenBundleCommand.h"
 #include "ParsePasteCommand.h"
 #include "ProcessHardening.h"
@@ -26,6 +28,8 @@ std::vector<std::unique_ptr<CliCommand>> makeCommands() {
     commands.push_back(std::make_unique<vorlane::ParsePasteCommand>());
     commands.push_back(std::make_unique<vorlane::DemoCommand>());
     commands.push_back(std::make_unique<vorlane::SearchCommand>());
+    commands.push_back(std::make_unique<vorlane::ListCommand>());
+    commands.push_back(std::make_unique<vorlane::ImportCommand>());
     commands.push_back(std::make_unique<vorlane::ExpiringCommand>());
     commands.push_back(std::make_unique<vorlane::ExpiredCommand>());
     commands.push_back(std::make_unique<vorlane::TotalsCommand>());

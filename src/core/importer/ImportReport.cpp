@@ -11,10 +11,11 @@ std::string counted(std::size_t count, const char* one, const char* many) {
 } // namespace
 
 std::string ImportReport::summary() const {
-    std::string text = counted(created, "service", "services") + " imported into " +
+    const std::string would = isForecast ? " would be" : "";
+    std::string text = counted(created, "service", "services") + would + " imported into " +
                        counted(organizations, "organization", "organizations") + ", " +
-                       counted(duplicatesSkipped, "duplicate", "duplicates") + " skipped, " +
-                       std::to_string(rejected.size()) + " rejected";
+                       counted(duplicatesSkipped, "duplicate", "duplicates") + would +
+                       " skipped, " + std::to_string(rejected.size()) + " rejected";
     if (cancelled) {
         text += "; cancelled, " + counted(notReached, "entry", "entries") + " not imported";
     } else if (!failure.empty()) {

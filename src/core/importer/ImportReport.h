@@ -22,9 +22,11 @@ struct ImportReport {
     std::vector<std::string> notImported; // secrets with no place in the vault, one sentence each
     std::size_t notReached = 0;           // rows left out because the import stopped early
     bool cancelled = false;
-    std::string failure; // why the import stopped before the end; empty when it did not
+    std::string failure;     // why the import stopped before the end; empty when it did not
+    bool isForecast = false; // what an import would do, nothing written (a dry run)
 
-    // "312 services imported into 27 organizations, 4 duplicates skipped, 2 rejected".
+    // "312 services imported into 27 organizations, 4 duplicates skipped, 2 rejected"; a
+    // forecast says "would be imported" and "would be skipped".
     std::string summary() const;
 };
 

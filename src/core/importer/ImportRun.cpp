@@ -8,24 +8,51 @@
 
 namespace vorlane {
 
+namespace {
+
+// The rejected and skipped rows, which are known before anything is written.
+ImportReport reportOfSkipped(const std::vector<ImportRow>& rows) {
+    ImportReport report;
+    for (const ImportRow& row : rows) {
+        if (row.status == ImportRow::Status::rejected) {
+            report.rejected.push_back({row.line, row.record.title, row.reason});
+        } else if (!row.willImport()) {
+            ++report.duplicatesSkipped;
+        }
+    }
+    return report;
+}
+
+} // namespace
+
 ImportRun::ImportRun(DataStore& store, Instant now, std::vector<ImportRow> rows)
     : m_store(store)
     , m_now(now)
-    , m_rows(std::move(rows)) {
+    , m_rows(std::move(rows))
+    , m_report(reportOfSkipped(m_rows)) {
     for (Organization* organization : m_store.fetchOrganizations(/*includeArchived=*/true)) {
         // The first of two that fold alike, in name order, takes the import.
         m_organizations.emplace(SearchText::fold(organization->name), organization);
     }
-    for (const ImportRow& row : m_rows) {
-        if (row.status == ImportRow::Status::rejected) {
-            m_report.rejected.push_back({row.line, row.record.title, row.reason});
-        } else if (!row.willImport()) {
-            ++m_report.duplicatesSkipped;
-        }
-    }
     if (m_rows.empty()) {
         finish();
     }
+}
+
+ImportReport ImportRun::forecast(const std::vector<ImportRow>& rows) {
+    ImportReport report = reportOfSkipped(rows);
+    report.isForecast = true;
+    std::unordered_set<std::string> organizations;
+    for (const ImportRow& row : rows) {
+        if (row.willImport()) {
+            ++report.created;
+            organizations.insert(SearchText::fold(row.organization));
+            report.notImported.insert(report.notImported.end(), row.notImported.begin(),
+                                      row.notImported.end());
+        }
+    }
+    report.organizations = organizations.size();
+    return report;
 }
 
 bool ImportRun::step(std::size_t count) {

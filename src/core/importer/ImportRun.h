@@ -29,6 +29,9 @@ class ImportRun {
 public:
     ImportRun(DataStore& store, Instant now, std::vector<ImportRow> rows);
 
+    // The report the run of `rows` would give if nothing failed, without writing anything.
+    static ImportReport forecast(const std::vector<ImportRow>& rows);
+
     // Imports the next `count` rows (at least one) and saves. False once the run has finished:
     // every row done, cancelled, or stopped by a failure.
     bool step(std::size_t count);

@@ -23,9 +23,7 @@ nlohmann::ordered_json optionalDate(const std::optional<Instant>& instant) {
                    : nlohmann::ordered_json(nullptr);
 }
 
-} // namespace
-
-std::string StoreJson::service(const ServiceRecord& service, const UserCalendar& calendar) {
+nlohmann::ordered_json serviceObject(const ServiceRecord& service, const UserCalendar& calendar) {
     nlohmann::ordered_json object;
     object["id"] = service.id.toString();
     object["organization"] = service.organization ? service.organization->name : "";
@@ -46,6 +44,38 @@ std::string StoreJson::service(const ServiceRecord& service, const UserCalendar&
     object["isArchived"] = service.isArchived;
     object["hasPassword"] = !service.secretKeychainID.empty();
     object["hasAPIKey"] = !service.apiKeyKeychainID.empty();
+    return object;
+}
+
+} // namespace
+
+std::string StoreJson::service(const ServiceRecord& service, const UserCalendar& calendar) {
+    return line(serviceObject(service, calendar));
+}
+
+std::string StoreJson::serviceWithAllFields(const ServiceRecord& service,
+                                            const UserCalendar& calendar) {
+    nlohmann::ordered_json object = serviceObject(service, calendar);
+    const auto text = [](const std::string& value) {
+        return value.empty() ? nlohmann::ordered_json(nullptr) : nlohmann::ordered_json(value);
+    };
+    object["loginURL"] = text(service.loginURL);
+    object["ipAddress"] = text(service.ipAddress);
+    object["port"] = service.port ? nlohmann::ordered_json(*service.port) : nullptr;
+    object["emailAddress"] = text(service.emailAddress);
+    object["sshKeyReference"] = text(service.sshKeyReference);
+    object["purchaseDate"] = optionalDate(service.purchaseDate);
+    object["renewalDate"] = optionalDate(service.renewalDate);
+    object["monthlyCost"] = service.monthlyCost.toString();
+    object["yearlyCost"] = service.yearlyCost.toString();
+    object["autoRenew"] = service.autoRenew;
+    object["tags"] = service.tags;
+    object["notes"] = text(service.notes);
+    object["riskLevel"] = service.riskLevel().rawValue();
+    object["createdAt"] = IsoDate::utc(service.createdAt);
+    object["updatedAt"] = IsoDate::utc(service.updatedAt);
+    object["secretKeychainID"] = text(service.secretKeychainID);
+    object["apiKeyKeychainID"] = text(service.apiKeyKeychainID);
     return line(object);
 }
 

@@ -19,6 +19,10 @@ class UserCalendar;
 class StoreJson {
 public:
     static std::string service(const ServiceRecord& service, const UserCalendar& calendar);
+    // `service` with every other field of the record added under its own name (absent values
+    // as null), for scripts that read back what was imported. Still no secret.
+    static std::string serviceWithAllFields(const ServiceRecord& service,
+                                            const UserCalendar& calendar);
     static std::string organization(const Organization& organization);
     static std::string totals(std::size_t activeServices, const Decimal& monthlyCost,
                               const Decimal& yearlyCost);

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "CliCommand.h"
+
+namespace vorlane {
+
+// `list [--organization NAME] [--archived]`: the services by title, one line each; with --json
+// one object a line holding every field but the secrets (see StoreJson::serviceWithAllFields).
+// Archived services only with --archived; NAME matches as the importer does, case ignored.
+class ListCommand final : public CliCommand {
+public:
+    std::string_view name() const override;
+    std::string_view usage() const override;
+    int run(CliInvocation& invocation) override;
+};
+
+} // namespace vorlane
