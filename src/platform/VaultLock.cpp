@@ -60,9 +60,14 @@ QString VaultLock::instanceSocketName(const std::string& vaultPath) {
         QCryptographicHash::hash(canonicalVaultPath(vaultPath).toUtf8(), QCryptographicHash::Sha256)
             .toHex()
             .left(16);
-    QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    // Without XDG_RUNTIME_DIR, Qt would make up a folder under /tmp, where another user can
+    // create the name first; the vault's own folder belongs to the user who opens it.
+    QString folder;
+    if (!qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
+        folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    }
     if (folder.isEmpty()) {
-        folder = QDir::tempPath();
+        folder = QFileInfo(canonicalVaultPath(vaultPath)).absolutePath();
     }
     return folder + QStringLiteral("/vorlane-") + QString::fromLatin1(hash) +
            QStringLiteral(".socket");

@@ -44,8 +44,9 @@ public:
     // The lock file beside the vault.
     static QString lockFilePath(const std::string& vaultPath);
     // Where the running program listens for the next one's messages: a local socket in the
-    // user's runtime folder, named after a hash of the canonical vault path (the path itself
-    // may be longer than a socket name allows, and need not be shown to other users).
+    // user's runtime folder ($XDG_RUNTIME_DIR), or beside the vault when there is none, never in
+    // /tmp; named after a hash of the canonical vault path (the path itself may be longer than a
+    // socket name allows, and need not be shown to other users).
     static QString instanceSocketName(const std::string& vaultPath);
 
 private:

@@ -8,6 +8,7 @@
 #include "ScreenFixture.h"
 #include "VaultLock.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QProcess>
@@ -63,6 +64,29 @@ TEST_F(SingleInstanceTest, ASecondStartAsksTheFirstToRaiseItsWindowAndLeaves) {
     EXPECT_EQ(second->exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(second->exitCode(), 0) << second->readAllStandardError().toStdString();
     EXPECT_EQ(raised, 1);
+}
+
+TEST_F(SingleInstanceTest, WithoutARuntimeFolderTheSocketIsBesideTheVaultNeverInTmp) {
+    const QByteArray runtime = qgetenv("XDG_RUNTIME_DIR");
+    qunsetenv("XDG_RUNTIME_DIR"); // for this process and the second program alike
+    const QString socketName = VaultLock::instanceSocketName(vaultPath());
+    EXPECT_EQ(QFileInfo(socketName).absolutePath(),
+              QFileInfo(QString::fromStdString(vaultPath())).canonicalPath());
+    EXPECT_FALSE(socketName.startsWith(QDir::tempPath() + QStringLiteral("/runtime-")));
+
+    VaultLock lock(vaultPath());
+    ASSERT_EQ(lock.tryAcquire(), VaultLock::Outcome::acquired);
+    SingleInstance first;
+    ASSERT_TRUE(first.listen(socketName));
+    int raised = 0;
+    QObject::connect(&first, &SingleInstance::raiseRequested, [&raised] { ++raised; });
+    const auto second = startVorlane();
+    ASSERT_TRUE(finishes(*second));
+    EXPECT_EQ(second->exitCode(), 0) << second->readAllStandardError().toStdString();
+    EXPECT_EQ(raised, 1) << "the second program found the first where it listens";
+    if (!runtime.isEmpty()) {
+        qputenv("XDG_RUNTIME_DIR", runtime);
+    }
 }
 
 TEST_F(SingleInstanceTest, TwoProgramsNeverHoldOneVaultAndAKilledOneDoesNotBlockTheNext) {

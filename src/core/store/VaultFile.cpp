@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "store/VaultFile.h"
 
+#include "store/VaultLocation.h"
 #include "store/VaultSchema.h"
 #include "util/Handoff.h"
 #include "util/HugePages.h"
@@ -528,6 +529,14 @@ std::optional<std::string> checkHeader(const std::string& path) {
     return std::nullopt;
 }
 
+// Sets `mode` on `path` when group or others may do anything with it.
+void withoutGroupAndOthers(const std::string& path, mode_t mode) {
+    struct stat info {};
+    if (::stat(path.c_str(), &info) == 0 && (info.st_mode & 077) != 0) {
+        ::chmod(path.c_str(), mode);
+    }
+}
+
 bool hasCompanions(const std::string& path) {
     return ::access((path + "-wal").c_str(), F_OK) == 0 ||
            ::access((path + "-shm").c_str(), F_OK) == 0;
@@ -638,10 +647,16 @@ bool VaultFile::openForWriting(std::string& error) {
         }
         m_storedVersion = VaultSchema::version;
     }
-    // Tighten a vault that was copied in with looser permissions.
-    struct stat info {};
-    if (::stat(m_path.c_str(), &info) == 0 && (info.st_mode & 077) != 0) {
-        ::chmod(m_path.c_str(), 0600);
+    // Tighten what was copied in or made under a looser umask: the vault and its log hold every
+    // record, and the data folder's listing shows what is there. A folder the user chose for the
+    // vault is theirs, and keeps its permissions.
+    for (const std::string& file : {m_path, m_path + "-wal", m_path + "-shm"}) {
+        withoutGroupAndOthers(file, 0600);
+    }
+    std::error_code sameError;
+    const std::filesystem::path folder = std::filesystem::absolute(m_path).parent_path();
+    if (std::filesystem::equivalent(folder, VaultLocation::dataFolder(), sameError)) {
+        withoutGroupAndOthers(folder.string(), 0700);
     }
     m_connection.emplace(std::move(*connection));
     return true;

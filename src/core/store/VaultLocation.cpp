@@ -18,18 +18,21 @@ std::optional<std::string> environment(const char* name) {
 } // namespace
 
 std::string VaultLocation::resolve(const std::optional<std::string>& explicitPath) {
-    static constexpr const char* fileName = "/vault.sqlite";
     if (explicitPath && !explicitPath->empty()) {
         return *explicitPath;
     }
+    return dataFolder() + "/vault.sqlite";
+}
+
+std::string VaultLocation::dataFolder() {
     if (const auto folder = environment("VORLANE_DATA_DIR")) {
-        return *folder + fileName;
+        return *folder;
     }
     // The XDG base directory rules: a relative XDG_DATA_HOME is invalid and is ignored.
     if (const auto data = environment("XDG_DATA_HOME"); data && data->front() == '/') {
-        return *data + "/vorlane" + fileName;
+        return *data + "/vorlane";
     }
-    return environment("HOME").value_or(".") + "/.local/share/vorlane" + fileName;
+    return environment("HOME").value_or(".") + "/.local/share/vorlane";
 }
 
 } // namespace vorlane

@@ -11,6 +11,8 @@ namespace vorlane {
 class VaultLocation {
 public:
     static std::string resolve(const std::optional<std::string>& explicitPath = std::nullopt);
+    // The folder of the default vault (without a path given): Vorlane's own, kept 0700.
+    static std::string dataFolder();
 };
 
 } // namespace vorlane
