@@ -12,6 +12,7 @@
 #include "ProcessHardening.h"
 #include "SearchCommand.h"
 #include "TotalsCommand.h"
+#include "TotpCommand.h"
 
 #include <iostream>
 #include <memory>
@@ -33,6 +34,7 @@ std::vector<std::unique_ptr<CliCommand>> makeCommands() {
     commands.push_back(std::make_unique<vorlane::ExpiringCommand>());
     commands.push_back(std::make_unique<vorlane::ExpiredCommand>());
     commands.push_back(std::make_unique<vorlane::TotalsCommand>());
+    commands.push_back(std::make_unique<vorlane::TotpCommand>());
     return commands;
 }
 

@@ -88,6 +88,7 @@ constexpr std::pair<std::string_view, const char*> symbolTable[] = {
     {"shield", "security-medium"},
     {"plus.square.on.square", "window-duplicate"},
     {"wand.and.stars", "password-generate"},
+    {"qrcode", "view-barcode-qr"},
     {"lock.doc", "document-encrypt"},
     {"doc.text.magnifyingglass", "document-preview"},
     {"shippingbox", "package"},

@@ -7,8 +7,6 @@
 #include "ScreenFixture.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
-#include "passwords/PasswordGenerator.h"
-#include "store/SqliteConnection.h"
 
 #include <libsecret/secret.h>
 
@@ -251,16 +249,6 @@ TEST_F(ServiceFormTest, PreselectsTheRequestedOrganizationAndOffersOnlyLiveOnesB
     m_state.setNewServiceOrganization(&archived);
     EXPECT_EQ(ServiceForm(context()).organizations(),
               (std::vector<Organization*>{&m_acme, &beta, &archived}));
-}
-
-TEST_F(ServiceFormTest, GenerateFillsEachFieldWithItsOwnPasswordOfTheDefaultSettings) {
-    auto form = newForm();
-    ASSERT_TRUE(form->generate(Kind::password));
-    ASSERT_TRUE(form->generate(Kind::apiKey));
-    const std::string first = form->values().password.text;
-    EXPECT_EQ(first.size(), 24U);
-    EXPECT_NE(first.find_first_of(PasswordGenerator::symbolCharacters), std::string::npos) << first;
-    EXPECT_NE(form->values().apiKey.text, first);
 }
 
 TEST_F(ServiceFormTest, AKeyringThatRefusesLeavesNothingSavedAndTheFormAsTyped) {

@@ -9,6 +9,8 @@
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 #include "store/DataStore.h"
+#include "totp/Totp.h"
+#include "totp/TotpSecret.h"
 #include "util/CurrencyFormat.h"
 #include "util/DateText.h"
 #include "util/TagText.h"
@@ -39,8 +41,12 @@ ServiceDetailScreen::~ServiceDetailScreen() {
     if (m_copiedTimer != 0) {
         m_context.timers.cancel(m_copiedTimer);
     }
+    if (m_codeTimer != 0) {
+        m_context.timers.cancel(m_codeTimer);
+    }
     wipe(m_password.value);
     wipe(m_apiKey.value);
+    wipe(m_oneTimeCode.value);
 }
 
 ServiceRecord* ServiceDetailScreen::service() const {
@@ -120,13 +126,21 @@ std::vector<ServiceDetailScreen::Section> ServiceDetailScreen::sections() const 
             return;
         }
         const Secret& state = secret(field);
-        Row secureRow = row(field, RowKind::secure, label,
-                            state.revealed ? state.value : std::string(maskedText), "lock");
+        std::string shown = state.revealed ? state.value : std::string(maskedText);
+        if (field == Field::oneTimeCode && state.revealed) {
+            int validFor = 0;
+            const std::optional<std::string> code = currentCode(state.value, &validFor);
+            shown = code ? Totp::grouped(*code) + " · " + std::to_string(validFor) + " s"
+                         : std::string();
+        }
+        Row secureRow = row(field, RowKind::secure, label, std::move(shown),
+                            field == Field::oneTimeCode ? "clock" : "lock");
         secureRow.revealed = state.revealed;
         credentials.rows.push_back(std::move(secureRow));
     };
     secure(Field::password, "Password", record->secretKeychainID);
     secure(Field::apiKey, "API Key", record->apiKeyKeychainID);
+    secure(Field::oneTimeCode, "One-Time Code", record->totpKeychainID);
 
     Section billing{"Billing & Dates", {}};
     billing.rows.push_back(row(Field::billingCycle, RowKind::info, "Billing Cycle",
@@ -185,16 +199,50 @@ std::vector<ServiceDetailScreen::Section> ServiceDetailScreen::sections() const 
 }
 
 ServiceDetailScreen::Secret& ServiceDetailScreen::secret(Field field) {
-    return field == Field::apiKey ? m_apiKey : m_password;
+    return field == Field::apiKey        ? m_apiKey
+           : field == Field::oneTimeCode ? m_oneTimeCode
+                                         : m_password;
 }
 
 const ServiceDetailScreen::Secret& ServiceDetailScreen::secret(Field field) const {
-    return field == Field::apiKey ? m_apiKey : m_password;
+    return field == Field::apiKey        ? m_apiKey
+           : field == Field::oneTimeCode ? m_oneTimeCode
+                                         : m_password;
 }
 
 void ServiceDetailScreen::hide(Secret& state) {
     state.revealed = false;
     wipe(state.value);
+    if (&state == &m_oneTimeCode && m_codeTimer != 0) {
+        m_context.timers.cancel(m_codeTimer);
+        m_codeTimer = 0;
+    }
+}
+
+std::optional<std::string> ServiceDetailScreen::currentCode(const std::string& secretText,
+                                                            int* validFor) const {
+    const auto parsed = TotpSecret::parse(secretText);
+    if (!parsed.ok()) {
+        return std::nullopt;
+    }
+    const Totp::Code code = Totp::at(parsed.value(), m_context.calendar.now());
+    if (validFor != nullptr) {
+        *validFor = code.validFor;
+    }
+    return code.digits;
+}
+
+void ServiceDetailScreen::tickOneTimeCode() {
+    // Waking on each second of the clock (not a second after the reveal) keeps the count in
+    // step with the code, which changes exactly on a period's boundary.
+    const auto sinceSecond = m_context.calendar.now().time_since_epoch() % std::chrono::seconds(1);
+    m_codeTimer = m_context.timers.startOneShot(std::chrono::seconds(1) - sinceSecond, [this] {
+        m_codeTimer = 0;
+        if (m_oneTimeCode.revealed) {
+            tickOneTimeCode();
+            changed.emit();
+        }
+    });
 }
 
 void ServiceDetailScreen::authenticateThenRead(
@@ -217,14 +265,17 @@ void ServiceDetailScreen::authenticateThenRead(
             if (!granted || record == nullptr) {
                 return;
             }
-            then(field == Field::apiKey ? screen.m_context.store.getAPIKey(*record)
-                                        : screen.m_context.store.getPassword(*record));
+            const DataStore& store = screen.m_context.store;
+            then(field == Field::apiKey        ? store.getAPIKey(*record)
+                 : field == Field::oneTimeCode ? store.getTOTPSecret(*record)
+                                               : store.getPassword(*record));
         });
 }
 
 void ServiceDetailScreen::toggleReveal(Field field) {
     const ServiceRecord* record = service();
-    if (record == nullptr || (field != Field::password && field != Field::apiKey)) {
+    if (record == nullptr ||
+        (field != Field::password && field != Field::apiKey && field != Field::oneTimeCode)) {
         return;
     }
     Secret& state = secret(field);
@@ -234,7 +285,10 @@ void ServiceDetailScreen::toggleReveal(Field field) {
         return;
     }
     const std::string reason =
-        (field == Field::apiKey ? "Reveal API key for " : "Reveal password for ") + record->title;
+        std::string(field == Field::apiKey        ? "Reveal API key for "
+                    : field == Field::oneTimeCode ? "Reveal one-time code for "
+                                                  : "Reveal password for ") +
+        record->title;
     authenticateThenRead(field, reason, [this, field](std::optional<std::string> value) {
         Secret& revealed = secret(field);
         wipe(revealed.value);
@@ -245,6 +299,9 @@ void ServiceDetailScreen::toggleReveal(Field field) {
         if (value) {
             wipe(*value);
         }
+        if (field == Field::oneTimeCode && m_codeTimer == 0) {
+            tickOneTimeCode();
+        }
         changed.emit();
     });
 }
@@ -254,19 +311,30 @@ void ServiceDetailScreen::copy(Field field) {
     if (record == nullptr) {
         return;
     }
-    if (field == Field::password || field == Field::apiKey) {
+    if (field == Field::password || field == Field::apiKey || field == Field::oneTimeCode) {
+        // What leaves for the clipboard: the secret itself, or for a one-time code the digits
+        // valid now (never the secret they are made from).
+        const auto copied = [this, field](const std::string& value) {
+            std::optional<std::string> text =
+                field == Field::oneTimeCode ? currentCode(value) : std::optional(value);
+            if (text && !text->empty()) { // an unreadable secret leaves the clipboard alone
+                copyText(field, *text);
+                wipe(*text);
+            }
+        };
         const Secret& state = secret(field);
         if (state.revealed) {
-            if (!state.value.empty()) { // an unreadable secret leaves the clipboard alone
-                copyText(field, state.value);
-            }
+            copied(state.value);
             return;
         }
         const std::string reason =
-            (field == Field::apiKey ? "Copy API key for " : "Copy password for ") + record->title;
-        authenticateThenRead(field, reason, [this, field](std::optional<std::string> value) {
-            if (value && !value->empty()) {
-                copyText(field, *value);
+            std::string(field == Field::apiKey        ? "Copy API key for "
+                        : field == Field::oneTimeCode ? "Copy one-time code for "
+                                                      : "Copy password for ") +
+            record->title;
+        authenticateThenRead(field, reason, [copied](std::optional<std::string> value) {
+            if (value) {
+                copied(*value);
                 wipe(*value);
             }
         });
@@ -386,6 +454,7 @@ void ServiceDetailScreen::deleteService() {
     if (ServiceRecord* record = service()) {
         hide(m_password);
         hide(m_apiKey);
+        hide(m_oneTimeCode);
         m_context.serviceActions.deleteService(*record);
     }
 }

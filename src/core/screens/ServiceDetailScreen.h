@@ -20,9 +20,9 @@ namespace vorlane {
 struct AppContext;
 struct ServiceRecord;
 
-// The service detail screen: every field of one service in sections, copy buttons, the password
-// and API key revealed only after the user authenticates (every time), "Copy All", and the
-// actions bar (open the login URL, mark renewed, edit, duplicate, delete).
+// The service detail screen: every field of one service in sections, copy buttons, the password,
+// API key and one-time code revealed only after the user authenticates (every time), "Copy All",
+// and the actions bar (open the login URL, mark renewed, edit, duplicate, delete).
 //
 // Holds the service by id and looks it up on every call, so a service deleted meanwhile reads as
 // gone (`exists` false, no sections) instead of dangling. Revealed secrets live only in this
@@ -48,6 +48,7 @@ public:
         sshKey,
         password,
         apiKey,
+        oneTimeCode,
         billingCycle,
         monthlyCost,
         yearlyCost,
@@ -117,8 +118,11 @@ public:
     // and copies nothing on a refusal or an unreadable secret.
     void copy(Field field);
     // Hides a revealed secret; otherwise asks for authentication ("Reveal password for <title>",
-    // "Reveal API key for <title>") and shows the secret on success (empty when it cannot be
-    // read). Ignored while that secret's prompt is open.
+    // "Reveal API key for <title>", "Reveal one-time code for <title>") and shows the secret on
+    // success (empty when it cannot be read). Ignored while that secret's prompt is open.
+    // A revealed one-time code shows the current code in two groups and the seconds it stays
+    // valid ("123 456 · 17 s"); it is redrawn every second (`changed`) and so moves on to the
+    // next code by itself at the end of its period. Copying it copies the digits alone.
     void toggleReveal(Field secret);
 
     // -- Actions bar
@@ -156,6 +160,11 @@ private:
     Secret& secret(Field field);
     const Secret& secret(Field field) const;
     void hide(Secret& secret);
+    // The current code of the revealed one-time code secret; nothing when it does not parse.
+    std::optional<std::string> currentCode(const std::string& secretText,
+                                           int* validFor = nullptr) const;
+    // Redraws a revealed one-time code each second until it is hidden or the screen goes.
+    void tickOneTimeCode();
     // Runs `then` with the secret's current text after the user authenticates with `reason`.
     void authenticateThenRead(Field field, const std::string& reason,
                               std::function<void(std::optional<std::string>)> then);
@@ -165,6 +174,8 @@ private:
     Uuid m_serviceId;
     Secret m_password;
     Secret m_apiKey;
+    Secret m_oneTimeCode; // revealed: the stored secret the codes are made from
+    Timers::TimerId m_codeTimer = 0;
     std::optional<Field> m_copied;
     Timers::TimerId m_copiedTimer = 0;
     std::string m_message;

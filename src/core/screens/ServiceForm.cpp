@@ -5,8 +5,8 @@
 #include "app/AppState.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
-#include "passwords/PasswordGenerator.h"
 #include "store/DataStore.h"
+#include "totp/TotpSecret.h"
 #include "util/Decimal.h"
 #include "util/TagText.h"
 #include "util/UserCalendar.h"
@@ -65,7 +65,7 @@ std::string costText(const Decimal& cost) {
 
 bool ServiceForm::Errors::any() const {
     return !organization.empty() || !title.empty() || !port.empty() || !monthlyCost.empty() ||
-           !yearlyCost.empty();
+           !yearlyCost.empty() || !oneTimeCode.empty();
 }
 
 ServiceForm::ServiceForm(AppContext& context)
@@ -89,6 +89,7 @@ ServiceForm::ServiceForm(AppContext& context)
         v.sshKeyReference = editing->sshKeyReference;
         v.password.hasStored = !editing->secretKeychainID.empty();
         v.apiKey.hasStored = !editing->apiKeyKeychainID.empty();
+        v.oneTimeCode.hasStored = !editing->totpKeychainID.empty();
         v.purchaseDate = editing->purchaseDate;
         v.renewalDate = editing->renewalDate;
         v.expirationDate = editing->expirationDate;
@@ -116,6 +117,7 @@ ServiceForm::ServiceForm(AppContext& context)
 ServiceForm::~ServiceForm() {
     wipe(m_values.password.text);
     wipe(m_values.apiKey.text);
+    wipe(m_values.oneTimeCode.text);
 }
 
 std::string_view ServiceForm::windowTitle() const {
@@ -146,15 +148,23 @@ ServiceForm::Errors ServiceForm::errors() const {
     if (!parseCost(m_values.yearlyCostText)) {
         errors.yearlyCost = costError;
     }
+    const std::string& oneTimeCode = m_values.oneTimeCode.text;
+    if (!trimmed(oneTimeCode).empty() && !TotpSecret::isValid(oneTimeCode)) {
+        errors.oneTimeCode = std::string(TotpSecret::invalidMessage);
+    }
     return errors;
 }
 
 ServiceForm::SecretInput& ServiceForm::input(SecretKind kind) {
-    return kind == SecretKind::apiKey ? m_values.apiKey : m_values.password;
+    return kind == SecretKind::apiKey        ? m_values.apiKey
+           : kind == SecretKind::oneTimeCode ? m_values.oneTimeCode
+                                             : m_values.password;
 }
 
 const ServiceForm::SecretInput& ServiceForm::input(SecretKind kind) const {
-    return kind == SecretKind::apiKey ? m_values.apiKey : m_values.password;
+    return kind == SecretKind::apiKey        ? m_values.apiKey
+           : kind == SecretKind::oneTimeCode ? m_values.oneTimeCode
+                                             : m_values.password;
 }
 
 std::string_view ServiceForm::secretPlaceholder(SecretKind kind) const {
@@ -172,17 +182,6 @@ void ServiceForm::removeStored(SecretKind kind) {
         secret.removeStored = true;
         wipe(secret.text);
     }
-}
-
-bool ServiceForm::generate(SecretKind kind) {
-    std::optional<std::string> generated = PasswordGenerator::generate({});
-    if (!generated) {
-        return false;
-    }
-    SecretInput& secret = input(kind);
-    wipe(secret.text);
-    secret.text = std::move(*generated);
-    return true;
 }
 
 bool ServiceForm::save() {
@@ -232,27 +231,44 @@ bool ServiceForm::save() {
     ServiceRecord written;  // the items this attempt wrote, to take back on a refusal
     ServiceRecord replaced; // the items the saved record no longer names, removed afterwards
     const auto stage = [&](const SecretInput& secret, std::string& identifier,
-                           std::string& writtenId, std::string& replacedId, bool isPassword) {
+                           std::string& writtenId, std::string& replacedId, SecretKind kind) {
         if (!secret.text.empty()) {
             replacedId = identifier;
-            identifier = isPassword ? ServiceRecord::makeSecretKeychainID()
-                                    : ServiceRecord::makeAPIKeyKeychainID();
-            writtenId = identifier;
-            return isPassword ? store.setPassword(secret.text, draft)
-                              : store.setAPIKey(secret.text, draft);
+            switch (kind) {
+            case SecretKind::password:
+                identifier = ServiceRecord::makeSecretKeychainID();
+                writtenId = identifier;
+                // The age the health report judges by: a password counts as new when stored.
+                draft.passwordChangedAt = now;
+                return store.setPassword(secret.text, draft);
+            case SecretKind::apiKey:
+                identifier = ServiceRecord::makeAPIKeyKeychainID();
+                writtenId = identifier;
+                return store.setAPIKey(secret.text, draft);
+            case SecretKind::oneTimeCode:
+                identifier = ServiceRecord::makeTOTPKeychainID();
+                writtenId = identifier;
+                return store.setTOTPSecret(trimmed(secret.text), draft);
+            }
         }
         if (secret.removeStored) {
             replacedId = identifier;
             identifier.clear();
+            if (kind == SecretKind::password) {
+                draft.passwordChangedAt.reset();
+            }
         }
         return true;
     };
     if (!stage(v.password, draft.secretKeychainID, written.secretKeychainID,
-               replaced.secretKeychainID, true)) {
+               replaced.secretKeychainID, SecretKind::password)) {
         m_saveError = "The password could not be stored in the system keyring.";
     } else if (!stage(v.apiKey, draft.apiKeyKeychainID, written.apiKeyKeychainID,
-                      replaced.apiKeyKeychainID, false)) {
+                      replaced.apiKeyKeychainID, SecretKind::apiKey)) {
         m_saveError = "The API key could not be stored in the system keyring.";
+    } else if (!stage(v.oneTimeCode, draft.totpKeychainID, written.totpKeychainID,
+                      replaced.totpKeychainID, SecretKind::oneTimeCode)) {
+        m_saveError = "The one-time code secret could not be stored in the system keyring.";
     }
     if (!m_saveError.empty()) {
         store.deleteServiceSecrets(written);
@@ -294,6 +310,24 @@ bool ServiceForm::save() {
     m_saved = saved;
     store.deleteServiceSecrets(replaced);
     return true;
+}
+
+bool ServiceForm::pasteOneTimeCodeQR(const std::vector<std::string>& decodedTexts) {
+    m_qrCodeError.clear();
+    if (decodedTexts.empty()) {
+        m_qrCodeError = "No QR code found in the image.";
+        return false;
+    }
+    for (const std::string& text : decodedTexts) {
+        if (TotpSecret::isValid(text)) {
+            SecretInput& secret = m_values.oneTimeCode;
+            wipe(secret.text);
+            secret.text = std::string(trimmed(text));
+            return true;
+        }
+    }
+    m_qrCodeError = "The QR code holds no one-time code secret.";
+    return false;
 }
 
 void ServiceForm::closed() {

@@ -24,8 +24,8 @@ struct ServiceRecord;
 // so that "12.50" is kept exactly and a wrong entry can be shown back), says what is wrong with
 // it field by field, and saves the record with its secrets.
 //
-// Secrets: a typed password or API key is stored under a fresh identifier; in edit mode the
-// stored secrets are never read to fill the form (that would reveal them without
+// Secrets: a typed password, API key or one-time code secret is stored under a fresh identifier; in
+// edit mode the stored secrets are never read to fill the form (that would reveal them without
 // authentication): the field is empty with a placeholder, left alone it keeps the stored secret,
 // "Remove" deletes it on save. Secrets are written first: if the secret store refuses one,
 // nothing is saved, what was written for this attempt is removed again, and `saveError` says so.
@@ -35,7 +35,7 @@ struct ServiceRecord;
 class ServiceForm {
 public:
     enum class Mode { create, edit };
-    enum class SecretKind { password, apiKey };
+    enum class SecretKind { password, apiKey, oneTimeCode };
 
     struct SecretInput {
         std::string text;          // what is typed; empty keeps (or, on create, means none)
@@ -58,6 +58,7 @@ public:
         std::string sshKeyReference;
         SecretInput password;
         SecretInput apiKey;
+        SecretInput oneTimeCode; // an otpauth:// URI or a bare base32 secret
         std::optional<Instant> purchaseDate;
         std::optional<Instant> renewalDate;
         std::optional<Instant> expirationDate;
@@ -78,6 +79,7 @@ public:
         std::string port;
         std::string monthlyCost;
         std::string yearlyCost;
+        std::string oneTimeCode; // "Not a valid one-time code secret"
         bool any() const;
     };
 
@@ -108,9 +110,12 @@ public:
     std::string_view secretPlaceholder(SecretKind kind) const;
     bool canRemoveStored(SecretKind kind) const;
     void removeStored(SecretKind kind);
-    // Fills the field with a fresh random password of 20 characters. False (and the field left
-    // as it was) when the system's random source fails.
-    bool generate(SecretKind kind);
+    // "Paste QR Code": the texts decoded from the QR codes of an image (clipboard or file). The
+    // first that is a one-time code secret fills the field; otherwise the field is left as it was
+    // and `qrCodeError` says why ("No QR code found in the image.", "The QR code holds no
+    // one-time code secret.").
+    bool pasteOneTimeCodeQR(const std::vector<std::string>& decodedTexts);
+    const std::string& qrCodeError() const { return m_qrCodeError; }
 
     // Writes the record and its secrets and saves the store. False with `saveError` set when
     // nothing could be saved (the form stays open with everything typed); false without an
@@ -133,6 +138,7 @@ private:
     std::vector<Organization*> m_organizations;
     Values m_values;
     std::string m_saveError;
+    std::string m_qrCodeError;
     ServiceRecord* m_saved = nullptr;
 };
 

@@ -1,22 +1,30 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "screens/ServiceFormSheet.h"
 
+#include "QrCodeReader.h"
 #include "QtText.h"
 #include "app/AppContext.h"
 #include "components/PaletteColor.h"
+#include "components/PasswordGeneratorPopup.h"
+#include "components/PlainText.h"
 #include "components/TintedIcon.h"
 #include "model/Organization.h"
 #include "util/UserCalendar.h"
 
 #include <QCheckBox>
+#include <QClipboard>
 #include <QComboBox>
 #include <QDateEdit>
 #include <QDialogButtonBox>
+#include <QFileDialog>
 #include <QFormLayout>
 #include <QGroupBox>
+#include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollArea>
@@ -150,6 +158,11 @@ ServiceFormSheet::ServiceFormSheet(AppContext& context, QWidget* parent)
     form->addRow(QStringLiteral("API Key"),
                  createSecretRow(SecretKind::apiKey, QStringLiteral("API Key")));
 
+    m_oneTimeCodeError = errorLabel();
+    form->addRow(
+        QStringLiteral("One-Time Code"),
+        withError(createSecretRow(SecretKind::oneTimeCode, QStringLiteral("One-Time Code")),
+                  m_oneTimeCodeError));
     // -- Dates
     bodyLayout->addWidget(group(QStringLiteral("Dates"), form));
     form->addRow(QStringLiteral("Purchase Date"),
@@ -277,13 +290,29 @@ QLineEdit* ServiceFormSheet::addLine(QFormLayout* form, const QString& label, st
 }
 
 QWidget* ServiceFormSheet::createSecretRow(SecretKind kind, const QString& name) {
-    SecretWidgets& widgets = kind == SecretKind::apiKey ? m_apiKey : m_password;
+ServiceFormSheet::SecretWidgets& ServiceFormSheet::widgets(SecretKind kind) {
+    return kind == SecretKind::apiKey        ? m_apiKey
+           : kind == SecretKind::oneTimeCode ? m_oneTimeCode
+                                             : m_password;
+}
+
+ServiceForm::SecretInput& ServiceFormSheet::input(SecretKind kind) {
+    ServiceForm::Values& values = m_form.values();
+    return kind == SecretKind::apiKey        ? values.apiKey
+           : kind == SecretKind::oneTimeCode ? values.oneTimeCode
+                                             : values.password;
+}
+
+    SecretWidgets& widgets = this->widgets(kind);
     widgets.edit = new QLineEdit;
     widgets.edit->setEchoMode(QLineEdit::Password);
     widgets.edit->setAccessibleName(name);
     connect(widgets.edit, &QLineEdit::textEdited, this, [this, kind](const QString& text) {
-        ServiceForm::Values& values = m_form.values();
-        (kind == SecretKind::apiKey ? values.apiKey : values.password).text = toStdString(text);
+    if (kind == SecretKind::oneTimeCode) {
+        widgets.edit->setPlaceholderText(QStringLiteral("otpauth:// URI or secret"));
+    }
+        input(kind).text = toStdString(text);
+        refresh();
     });
     widgets.show = new QToolButton;
     widgets.show->setCheckable(true);
@@ -298,17 +327,27 @@ QWidget* ServiceFormSheet::createSecretRow(SecretKind kind, const QString& name)
         show->setIcon(TintedIcon::ink(shown ? "eye.slash" : "eye", *show));
         show->setToolTip(shown ? QStringLiteral("Hide") : QStringLiteral("Show"));
     });
-    auto* generate = new QPushButton(QStringLiteral("Generate"));
-    generate->setIcon(TintedIcon::ink("wand.and.stars", *generate));
-    generate->setAutoDefault(false);
-    generate->setAccessibleName(QStringLiteral("Generate ") + name);
-    connect(generate, &QPushButton::clicked, this, [this, kind, edit] {
-        if (m_form.generate(kind)) {
-            const ServiceForm::Values& values = m_form.values();
-            edit->setText(
-                toQString((kind == SecretKind::apiKey ? values.apiKey : values.password).text));
-        }
-    });
+    QPushButton* extra = nullptr;
+    if (kind == SecretKind::oneTimeCode) {
+        extra = new QPushButton(QStringLiteral("Paste QR Code"));
+        extra->setIcon(TintedIcon::ink("qrcode", *extra));
+        extra->setAccessibleName(QStringLiteral("Paste QR Code"));
+        connect(extra, &QPushButton::clicked, this, [this, edit] { pasteQRCode(edit); });
+    } else {
+        extra = new QPushButton(QStringLiteral("Generate"));
+        extra->setIcon(TintedIcon::ink("wand.and.stars", *extra));
+        extra->setAccessibleName(QStringLiteral("Generate ") + name);
+        connect(extra, &QPushButton::clicked, this, [this, kind, edit, extra] {
+            PasswordGeneratorPopup::choose(m_context, extra, [this, kind, edit](std::string text) {
+                std::string& typed = input(kind).text;
+                std::fill(typed.begin(), typed.end(), '\0');
+                typed = std::move(text);
+                edit->setText(toQString(typed));
+                refresh();
+            });
+        });
+    }
+    extra->setAutoDefault(false);
     widgets.remove = new QPushButton(QStringLiteral("Remove"));
     widgets.remove->setIcon(TintedIcon::ink("trash", *widgets.remove));
     widgets.remove->setAutoDefault(false);
@@ -325,12 +364,47 @@ QWidget* ServiceFormSheet::createSecretRow(SecretKind kind, const QString& name)
     layout->setSpacing(6);
     layout->addWidget(widgets.edit, 1);
     layout->addWidget(widgets.show);
-    layout->addWidget(generate);
+    layout->addWidget(extra);
     layout->addWidget(widgets.remove);
     return row;
 }
 
 QWidget* ServiceFormSheet::createDateRow(std::optional<Instant>& value, DateWidgets& widgets,
+void ServiceFormSheet::pasteQRCode(QLineEdit* edit) {
+    // The clipboard's picture when there is one (a screenshot of the setup page), else a file.
+    QImage image;
+    if (const QMimeData* copied = QGuiApplication::clipboard()->mimeData();
+        copied != nullptr && copied->hasImage()) {
+        image = qvariant_cast<QImage>(copied->imageData());
+    }
+    if (image.isNull()) {
+        const QString path = QFileDialog::getOpenFileName(
+            this, QStringLiteral("Choose a QR Code Image"), QString(),
+            QStringLiteral("Images (*.png *.jpg *.jpeg *.bmp *.gif *.webp)"));
+        if (path.isEmpty()) {
+            return;
+        }
+        image.load(path);
+    }
+    std::vector<std::string> texts;
+    if (!image.isNull()) {
+        const QImage grey = image.convertToFormat(QImage::Format_Grayscale8);
+        // One row after another without the padding QImage keeps at the end of each row.
+        std::vector<std::uint8_t> pixels;
+        pixels.reserve(static_cast<std::size_t>(grey.width()) *
+                       static_cast<std::size_t>(grey.height()));
+        for (int y = 0; y < grey.height(); ++y) {
+            const uchar* line = grey.constScanLine(y);
+            pixels.insert(pixels.end(), line, line + grey.width());
+        }
+        texts = QrCodeReader::decode(pixels, grey.width(), grey.height());
+    }
+    if (m_form.pasteOneTimeCodeQR(texts)) {
+        edit->setText(toQString(m_form.values().oneTimeCode.text));
+    }
+    refresh();
+}
+
                                          const QString& name) {
     widgets.enabled = new QCheckBox;
     widgets.enabled->setAccessibleName(QStringLiteral("Set ") + name);
@@ -356,7 +430,7 @@ QWidget* ServiceFormSheet::createDateRow(std::optional<Instant>& value, DateWidg
 }
 
 void ServiceFormSheet::refreshSecret(SecretKind kind) {
-    SecretWidgets& widgets = kind == SecretKind::apiKey ? m_apiKey : m_password;
+    SecretWidgets& widgets = this->widgets(kind);
     widgets.edit->setPlaceholderText(toQString(m_form.secretPlaceholder(kind)));
     widgets.remove->setVisible(m_form.canRemoveStored(kind));
 }
@@ -369,9 +443,12 @@ void ServiceFormSheet::refresh() {
     showError(m_monthlyError, errors.monthlyCost);
     showError(m_yearlyError, errors.yearlyCost);
     m_save->setEnabled(!errors.any());
+    showError(m_oneTimeCodeError,
+              errors.oneTimeCode.empty() ? m_form.qrCodeError() : errors.oneTimeCode);
     refreshSecret(SecretKind::password);
     refreshSecret(SecretKind::apiKey);
 }
+    refreshSecret(SecretKind::oneTimeCode);
 
 void ServiceFormSheet::save() {
     if (m_form.save()) {

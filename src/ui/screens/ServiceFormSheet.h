@@ -45,7 +45,11 @@ private:
         QDateEdit* date = nullptr;
     };
 
+    SecretWidgets& widgets(ServiceForm::SecretKind kind);
+    ServiceForm::SecretInput& input(ServiceForm::SecretKind kind);
     QWidget* createSecretRow(ServiceForm::SecretKind kind, const QString& name);
+    // Reads a QR code from the clipboard's image, or from an image file the person picks.
+    void pasteQRCode(QLineEdit* edit);
     QWidget* createDateRow(std::optional<Instant>& value, DateWidgets& widgets,
                            const QString& name);
     QLineEdit* addLine(QFormLayout* form, const QString& label, std::string& value,
@@ -58,6 +62,7 @@ private:
     ServiceForm m_form;
     SecretWidgets m_password;
     SecretWidgets m_apiKey;
+    SecretWidgets m_oneTimeCode;
     DateWidgets m_purchase;
     DateWidgets m_renewal;
     DateWidgets m_expiration;
@@ -66,6 +71,7 @@ private:
     QLabel* m_portError = nullptr;
     QLabel* m_monthlyError = nullptr;
     QLabel* m_yearlyError = nullptr;
+    QLabel* m_oneTimeCodeError = nullptr;
     QLabel* m_saveError = nullptr;
     QPushButton* m_save = nullptr;
 };

@@ -1,0 +1,302 @@
+// One-time codes end to end on the real vault, keyring and PAM: the form's field and its QR
+// code paste (real images through libzbar), the detail's revealed code against oathtool, and
+// `vorlane-cli totp` on a terminal.
+
+#include "QrCodeReader.h"
+#include "RunCommand.h"
+#include "ScreenFixture.h"
+#include "model/Organization.h"
+#include "model/ServiceRecord.h"
+#include "screens/ServiceDetailScreen.h"
+#include "screens/ServiceForm.h"
+#include "util/ScopedConnection.h"
+
+#include <QImage>
+
+#include <poll.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+
+namespace vorlane::testing {
+namespace {
+
+using namespace std::chrono_literals;
+using Field = ServiceDetailScreen::Field;
+using Kind = ServiceForm::SecretKind;
+
+constexpr const char* acmeUri =
+    "otpauth://totp/Acme:ops@acme.example?secret=JBSWY3DPEHPK3PXP&issuer=Acme";
+
+// What oathtool, the reference implementation, gives for Acme's secret at `at`.
+std::string oathtoolCode(Instant at) {
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(at.time_since_epoch()).count();
+    const CommandRun run =
+        runCommand("oathtool --totp -b JBSWY3DPEHPK3PXP -N @" + std::to_string(seconds));
+    EXPECT_EQ(run.status, 0) << run.err;
+    return run.out.substr(0, run.out.find('\n'));
+}
+
+// The texts of the QR codes in an image file of the tests' data folder.
+std::vector<std::string> qrTexts(const char* name) {
+    const QImage grey = QImage(QStringLiteral(VORLANE_TEST_DATA "/") + QString::fromUtf8(name))
+                            .convertToFormat(QImage::Format_Grayscale8);
+    EXPECT_FALSE(grey.isNull()) << name;
+    std::vector<std::uint8_t> pixels;
+    for (int y = 0; y < grey.height(); ++y) {
+        pixels.insert(pixels.end(), grey.constScanLine(y), grey.constScanLine(y) + grey.width());
+    }
+    return QrCodeReader::decode(pixels, grey.width(), grey.height());
+}
+
+class OneTimeCodeTest : public ScreenFixture {
+protected:
+    OneTimeCodeTest()
+        : m_acme(addOrganization("Acme")) {}
+
+    // Saves a new service through the form with `uri` in the One-Time Code field.
+    ServiceRecord& savedWithCode(const std::string& title, const std::string& uri) {
+        m_state.setNewServiceOrganization(&m_acme);
+        ServiceForm form(context());
+        form.values().title = title;
+        form.values().oneTimeCode.text = uri;
+        EXPECT_TRUE(form.save()) << form.saveError();
+        return *form.savedService();
+    }
+
+    static ServiceDetailScreen::Row codeRow(const ServiceDetailScreen& screen) {
+        for (const auto& section : screen.sections()) {
+            for (const auto& row : section.rows) {
+                if (row.field == Field::oneTimeCode) {
+                    return row;
+                }
+            }
+        }
+        ADD_FAILURE() << "no One-Time Code row";
+        return {};
+    }
+
+    Organization& m_acme;
+};
+
+TEST_F(OneTimeCodeTest, TheFormChecksTheFieldInPlaceAndStoresTheSecretUnderItsOwnIdentifier) {
+    m_state.setNewServiceOrganization(&m_acme);
+    ServiceForm form(context());
+    form.values().title = "Registrar";
+    form.values().oneTimeCode.text = "not a secret";
+    EXPECT_EQ(form.errors().oneTimeCode, "Not a valid one-time code secret");
+    EXPECT_FALSE(form.canSave());
+    EXPECT_FALSE(form.save());
+
+    form.values().oneTimeCode.text = std::string("  ") + acmeUri + "\n";
+    EXPECT_EQ(form.errors().oneTimeCode, "");
+    ASSERT_TRUE(form.save()) << form.saveError();
+    const ServiceRecord& saved = *form.savedService();
+    EXPECT_EQ(saved.totpKeychainID.rfind("vorlane.totp.", 0), 0U) << saved.totpKeychainID;
+    EXPECT_EQ(store().getTOTPSecret(saved), acmeUri) << "kept as given, without the blanks";
+    EXPECT_EQ(saved.secretKeychainID, "");
+    EXPECT_EQ(saved.passwordChangedAt, std::nullopt) << "no password was stored";
+
+    // Editing: the field starts empty with the stored secret kept; "Remove" deletes it on save.
+    const std::string identifier = saved.totpKeychainID;
+    m_state.setEditingService(form.savedService());
+    ServiceForm edit(context());
+    EXPECT_EQ(edit.values().oneTimeCode.text, "");
+    EXPECT_EQ(edit.secretPlaceholder(Kind::oneTimeCode), "Stored — type to replace");
+    ASSERT_TRUE(edit.canRemoveStored(Kind::oneTimeCode));
+    edit.removeStored(Kind::oneTimeCode);
+    ASSERT_TRUE(edit.save()) << edit.saveError();
+    EXPECT_EQ(edit.savedService()->totpKeychainID, "");
+    EXPECT_EQ(m_keychain.readData(identifier), std::nullopt);
+}
+
+TEST_F(OneTimeCodeTest, APasswordIsDatedWhenFirstStoredOrReplacedAndNotByOtherEdits) {
+    m_state.setNewServiceOrganization(&m_acme);
+    ServiceForm form(context());
+    form.values().title = "Hosting";
+    form.values().password.text = "first-password";
+    ASSERT_TRUE(form.save());
+    ServiceRecord& service = *form.savedService();
+    const Instant stored = m_clock.now();
+    EXPECT_EQ(service.passwordChangedAt, stored);
+
+    m_clock.advance(24h);
+    m_state.setEditingService(&service);
+    ServiceForm rename(context());
+    rename.values().title = "Hosting panel";
+    ASSERT_TRUE(rename.save());
+    EXPECT_EQ(service.passwordChangedAt, stored) << "the password was left alone";
+
+    m_clock.advance(24h);
+    m_state.setEditingService(&service);
+    ServiceForm replace(context());
+    replace.values().password.text = "second-password";
+    ASSERT_TRUE(replace.save());
+    EXPECT_EQ(service.passwordChangedAt, m_clock.now());
+
+    m_state.setEditingService(&service);
+    ServiceForm remove(context());
+    remove.removeStored(Kind::password);
+    ASSERT_TRUE(remove.save());
+    EXPECT_EQ(service.passwordChangedAt, std::nullopt);
+}
+
+TEST_F(OneTimeCodeTest, AQrCodeImageFillsTheFieldOnlyWithAOneTimeCodeSecret) {
+    EXPECT_EQ(qrTexts("acme-totp-qr.png"), std::vector<std::string>{acmeUri});
+    EXPECT_EQ(qrTexts("not-totp-qr.png"), std::vector<std::string>{"https://acme.example/login"});
+    const std::vector<std::uint8_t> blank(64 * 64, 255);
+    EXPECT_TRUE(QrCodeReader::decode(blank, 64, 64).empty());
+    EXPECT_TRUE(QrCodeReader::decode(blank, 64, 63).empty()) << "size and pixels disagree";
+
+    m_state.setNewServiceOrganization(&m_acme);
+    ServiceForm form(context());
+    form.values().oneTimeCode.text = "typed before";
+    EXPECT_FALSE(form.pasteOneTimeCodeQR({}));
+    EXPECT_EQ(form.qrCodeError(), "No QR code found in the image.");
+    EXPECT_FALSE(form.pasteOneTimeCodeQR(qrTexts("not-totp-qr.png")));
+    EXPECT_EQ(form.qrCodeError(), "The QR code holds no one-time code secret.");
+    EXPECT_EQ(form.values().oneTimeCode.text, "typed before");
+    EXPECT_TRUE(form.pasteOneTimeCodeQR(qrTexts("acme-totp-qr.png")));
+    EXPECT_EQ(form.qrCodeError(), "");
+    EXPECT_EQ(form.values().oneTimeCode.text, acmeUri);
+}
+
+TEST_F(OneTimeCodeTest, TheRevealedCodeIsOathtoolsAndMovesOnAtTheEndOfItsPeriod) {
+    ServiceRecord& service = savedWithCode("Acme DNS", acmeUri);
+    connectAuthentication();
+    m_clock.advance(12s + 400ms); // 17:00:12.4, 17 s and a bit before the code changes
+    ServiceDetailScreen screen(context(), service);
+    int redraws = 0;
+    const ScopedConnection counting(screen.changed, [&redraws] { ++redraws; });
+    EXPECT_EQ(codeRow(screen).value, ServiceDetailScreen::maskedText);
+    EXPECT_EQ(codeRow(screen).label, "One-Time Code");
+
+    m_person.willType(userPassword);
+    screen.toggleReveal(Field::oneTimeCode);
+    ASSERT_TRUE(waitFor([&] { return codeRow(screen).revealed; }));
+    EXPECT_EQ(m_person.requests.back().reason, "Reveal one-time code for Acme DNS");
+    const std::string first = oathtoolCode(m_clock.now());
+    EXPECT_EQ(codeRow(screen).value, first.substr(0, 3) + " " + first.substr(3) + " · 18 s");
+
+    m_timers.advance(600ms); // the next whole second
+    EXPECT_EQ(codeRow(screen).value, first.substr(0, 3) + " " + first.substr(3) + " · 17 s");
+    const int before = redraws;
+    m_timers.advance(17s); // 17:00:30: the next period
+    EXPECT_EQ(redraws, before + 17) << "one redraw a second";
+    const std::string second = oathtoolCode(m_clock.now());
+    ASSERT_NE(second, first);
+    EXPECT_EQ(codeRow(screen).value, second.substr(0, 3) + " " + second.substr(3) + " · 30 s");
+
+    screen.copy(Field::oneTimeCode);
+    EXPECT_EQ(clipboardText(), second) << "the digits alone, never the secret";
+    m_timers.advance(ServiceDetailScreen::copiedMarkDuration); // the check mark goes
+
+    screen.toggleReveal(Field::oneTimeCode);
+    EXPECT_EQ(codeRow(screen).value, ServiceDetailScreen::maskedText);
+    const int hidden = redraws;
+    m_timers.advance(5s);
+    EXPECT_EQ(redraws, hidden) << "a hidden code is not redrawn";
+}
+
+// Reads from the terminal's master side until `until` has appeared or the child closed it.
+std::string readTerminal(int master, const std::string& until) {
+    std::string seen;
+    char buffer[4096];
+    while (until.empty() || seen.find(until) == std::string::npos) {
+        pollfd ready{master, POLLIN, 0};
+        if (poll(&ready, 1, 10000) <= 0) {
+            break;
+        }
+        const ssize_t got = ::read(master, buffer, sizeof buffer);
+        if (got <= 0) {
+            break;
+        }
+        seen.append(buffer, static_cast<std::size_t>(got));
+    }
+    return seen;
+}
+
+// Runs `vorlane-cli --vault VAULT ARGS...` on a new terminal, types `typed` at the first
+// "Password: " prompt (when given), and returns everything it showed and its exit status.
+std::pair<int, std::string> onTerminal(const std::vector<std::string>& arguments,
+                                       const std::string& typed) {
+    int master = -1;
+    const pid_t pid = forkpty(&master, nullptr, nullptr, nullptr);
+    if (pid == 0) {
+        std::vector<char*> argv{const_cast<char*>(VORLANE_CLI)};
+        for (const std::string& argument : arguments) {
+            argv.push_back(const_cast<char*>(argument.c_str()));
+        }
+        argv.push_back(nullptr);
+        execv(VORLANE_CLI, argv.data());
+        _exit(127);
+    }
+    std::string shown;
+    if (!typed.empty()) {
+        shown = readTerminal(master, "Password: ");
+        const std::string line = typed + "\n";
+        EXPECT_EQ(::write(master, line.data(), line.size()), static_cast<ssize_t>(line.size()));
+    }
+    shown += readTerminal(master, "");
+    int status = 0;
+    for (int tries = 0; waitpid(pid, &status, WNOHANG) == 0; ++tries) {
+        if (tries == 1000) {
+            kill(pid, SIGKILL);
+        }
+        usleep(10000);
+    }
+    ::close(master);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, shown};
+}
+
+TEST_F(OneTimeCodeTest, TheCommandLineAuthenticatesThenPrintsOathtoolsCodeAndItsSecondsLeft) {
+    savedWithCode("Acme DNS", acmeUri);
+    savedWithCode("Twin", acmeUri);
+    savedWithCode("twin", acmeUri);
+    ServiceRecord& plain = addService(m_acme, "No codes here");
+    ASSERT_TRUE(store().save());
+    connectAuthentication(); // sets the PAM password the child process checks too
+    const std::string vault = store().path();
+
+    const auto [status, shown] = onTerminal({"--vault", vault, "totp", "acme dns"}, userPassword);
+    ASSERT_EQ(status, 0) << shown;
+    EXPECT_NE(shown.find("Reveal one-time code for Acme DNS"), std::string::npos) << shown;
+    EXPECT_EQ(shown.find(userPassword), std::string::npos) << "the password was echoed";
+    // The code printed is the one oathtool gives now or, across a period's end, just before.
+    const auto now =
+        std::chrono::time_point_cast<std::chrono::milliseconds>(std::chrono::system_clock::now());
+    const std::string printed = shown.substr(shown.rfind("Password: ") + 10);
+    EXPECT_TRUE(printed.find(oathtoolCode(now)) != std::string::npos ||
+                printed.find(oathtoolCode(now - 5s)) != std::string::npos)
+        << printed;
+
+    const auto [jsonStatus, json] =
+        onTerminal({"--vault", vault, "--json", "totp", "Acme DNS"}, userPassword);
+    ASSERT_EQ(jsonStatus, 0) << json;
+    EXPECT_NE(json.find("{\"code\":\""), std::string::npos) << json;
+    EXPECT_NE(json.find("\",\"validFor\":"), std::string::npos) << json;
+
+    const auto [wrongStatus, wrong] = onTerminal({"--vault", vault, "totp", "Acme DNS"}, "nope");
+    EXPECT_EQ(wrongStatus, 1) << wrong;
+    EXPECT_NE(wrong.find("authentication failed"), std::string::npos) << wrong;
+
+    // Refusals that need no authentication: an ambiguous title, no secret, no such service.
+    const CommandRun twin =
+        runCommand(std::string(VORLANE_CLI) + " --vault " + shellWord(vault) + " totp Twin");
+    EXPECT_EQ(twin.status, 1);
+    EXPECT_NE(twin.err.find("2 services are titled \"Twin\""), std::string::npos) << twin.err;
+    const CommandRun none = runCommand(std::string(VORLANE_CLI) + " --vault " + shellWord(vault) +
+                                       " totp " + shellWord(plain.id.toString()));
+    EXPECT_EQ(none.status, 1);
+    EXPECT_NE(none.err.find("\"No codes here\" has no one-time code secret"), std::string::npos)
+        << none.err;
+    const CommandRun missing =
+        runCommand(std::string(VORLANE_CLI) + " --vault " + shellWord(vault) + " totp Nowhere");
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(missing.out, "");
+}
+
+} // namespace
+} // namespace vorlane::testing
