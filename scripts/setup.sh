@@ -17,6 +17,7 @@ packages=(
   # tests and benchmarks
   libgtest-dev libgmock-dev libbenchmark-dev
   oathtool
+  poppler-utils
   dbus dbus-daemon dbus-bin gnome-keyring libpam-wrapper libpam-modules
   xvfb xauth sqlite3
   # checks of the desktop entry and the AppStream file; the Debian package (dpkg-shlibdeps, file)

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "CliVault.h"
 
+#include "QtPreferenceStore.h"
+#include "screens/SettingsScreen.h"
 #include "store/VaultLocation.h"
+
+#include <QStandardPaths>
 
 #include <ostream>
 
@@ -34,6 +38,12 @@ std::unique_ptr<CliVault> CliVault::open(const std::string& path, std::ostream& 
         return nullptr;
     }
     vault->m_store = std::move(opened).value();
+    // Amounts in the currency chosen in the window's settings (the file QSettings keeps for the
+    // organization "Vorlane" and the application "vorlane").
+    const QtPreferenceStore preferences(
+        QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+        QStringLiteral("/Vorlane/vorlane.conf"));
+    SettingsScreen::applyCurrency(preferences);
     return vault;
 }
 

@@ -10,6 +10,7 @@
 #include "OpenBundleCommand.h"
 #include "ParsePasteCommand.h"
 #include "ProcessHardening.h"
+#include "ReportCommand.h"
 #include "SearchCommand.h"
 #include "TotalsCommand.h"
 #include "TotpCommand.h"
@@ -34,6 +35,7 @@ std::vector<std::unique_ptr<CliCommand>> makeCommands() {
     commands.push_back(std::make_unique<vorlane::ExpiringCommand>());
     commands.push_back(std::make_unique<vorlane::ExpiredCommand>());
     commands.push_back(std::make_unique<vorlane::TotalsCommand>());
+    commands.push_back(std::make_unique<vorlane::ReportCommand>());
     commands.push_back(std::make_unique<vorlane::TotpCommand>());
     return commands;
 }

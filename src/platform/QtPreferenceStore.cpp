@@ -54,5 +54,16 @@ bool QtPreferenceStore::boolValue(std::string_view key, bool defaultValue) const
 void QtPreferenceStore::setBoolValue(std::string_view key, bool value) {
     m_settings.setValue(keyName(key), value);
 }
+std::string QtPreferenceStore::stringValue(std::string_view key,
+                                           std::string_view defaultValue) const {
+    const QVariant value = m_settings.value(keyName(key));
+    if (!value.isValid() || !value.canConvert<QString>()) {
+        return std::string(defaultValue);
+    }
+    return value.toString().toStdString();
+}
+void QtPreferenceStore::setStringValue(std::string_view key, std::string_view value) {
+    m_settings.setValue(keyName(key), keyName(value));
+}
 
 } // namespace vorlane

@@ -20,6 +20,8 @@ public:
     void setIntValue(std::string_view key, int value) override;
     bool boolValue(std::string_view key, bool defaultValue) const override;
     void setBoolValue(std::string_view key, bool value) override;
+    std::string stringValue(std::string_view key, std::string_view defaultValue) const override;
+    void setStringValue(std::string_view key, std::string_view value) override;
 
 private:
     mutable QSettings m_settings;

@@ -21,6 +21,7 @@
 #include "app/ServiceActions.h"
 #include "auth/AuthManager.h"
 #include "reminders/NotificationManager.h"
+#include "screens/SettingsScreen.h"
 #include "secrets/KeychainManager.h"
 #include "store/DataStore.h"
 #include "store/VaultLocation.h"
@@ -235,6 +236,7 @@ int Application::run(int argc, char* argv[]) {
 
     QtClipboard clipboard;
     QtPreferenceStore preferences;
+    SettingsScreen::applyCurrency(preferences);
     AppState state(clipboard, mainLoop);
     const ServiceActions serviceActions(*store, state, calendar);
     AppContext context{*store,   state,     AuthManager::shared(), calendar,

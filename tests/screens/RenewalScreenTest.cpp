@@ -9,10 +9,12 @@
 #include "ScreenFixture.h"
 #include "components/RowListView.h"
 #include "model/Organization.h"
+#include "model/PaymentRecord.h"
 #include "model/ServiceRecord.h"
 #include "screens/RenewalListModel.h"
 #include "screens/RenewalRowDelegate.h"
 #include "screens/RenewalView.h"
+#include "util/CurrencyFormat.h"
 
 #include <QLabel>
 
@@ -158,6 +160,64 @@ TEST_F(RenewalScreenTest, MarkRenewedRenewsThroughTheSharedActionAndTheListFollo
     screen.markRenewed(once); // a year ahead: no longer expired
     screen.rebuild();
     EXPECT_EQ(screen.countText(), "1 item(s)") << "Monthly is still expired after one month";
+}
+
+TEST_F(RenewalScreenTest, InEurosADomainDueThisWeekShowsItsChargeAndEachRenewalRecordsAPayment) {
+    ASSERT_TRUE(setVaultCurrency("EUR"));
+    struct DefaultCurrency {
+        ~DefaultCurrency() { setVaultCurrency(defaultCurrency); }
+    } restore;
+    // 15 a year, due in 5 days (15 March 2026, noon in New York).
+    ServiceRecord& domain = dated("acme.example", m_clock.now() + days(5));
+    domain.setBillingCycle(BillingCycle::annual);
+    domain.yearlyCost = money("15");
+    ServiceRecord& hosting = dated("Hosting", m_clock.now() + days(6));
+    hosting.setBillingCycle(BillingCycle::quarterly);
+    hosting.monthlyCost = money("9.5");
+    dated("Free", m_clock.now() + days(4));
+    store().save();
+
+    RenewalScreen screen(context(), RenewalFilter::all);
+    ASSERT_EQ(bandTitles(screen), std::vector<std::string>{"This Week"});
+    const RenewalScreen::Band& week = screen.bands()[0];
+    EXPECT_EQ(week.totalCostText, "€10.75") << "the monthly total as before";
+    EXPECT_EQ(week.dueText, "€43.50 due");
+    EXPECT_EQ(titles(week), (std::vector<std::string>{"Free", "acme.example", "Hosting"}));
+    EXPECT_EQ(week.rows[0].dueText, "") << "nothing due, nothing shown";
+    EXPECT_EQ(week.rows[1].dueText, "Due: €15.00");
+    EXPECT_EQ(week.rows[2].dueText, "Due: €28.50");
+    EXPECT_EQ(screen.renewalNotice(), std::nullopt);
+
+    const Instant oldExpiration = *domain.expirationDate;
+    screen.markRenewed(domain);
+    std::vector<PaymentRecord*> payments = store().fetchPayments(domain);
+    ASSERT_EQ(payments.size(), 1u);
+    EXPECT_EQ(payments[0]->amount.toString(), "15");
+    EXPECT_EQ(payments[0]->datePaid, m_clock.now());
+    EXPECT_EQ(payments[0]->periodFrom, oldExpiration);
+    EXPECT_EQ(payments[0]->periodTo, domain.expirationDate);
+    EXPECT_EQ(screen.renewalNotice(), "Renewed until Mar 15, 2027 \u2014 €15.00 recorded");
+    EXPECT_EQ(screen.renewalAmountText(), "15");
+
+    // A wrong amount is refused where it was typed; a right one is kept and saved.
+    EXPECT_EQ(screen.editRenewalAmount("fifteen"), "Not a valid amount");
+    EXPECT_EQ(screen.editRenewalAmount("-1"), "Not a valid amount");
+    EXPECT_EQ(payments[0]->amount.toString(), "15");
+    EXPECT_EQ(screen.editRenewalAmount(" 16.2 "), std::nullopt);
+    EXPECT_EQ(screen.renewalNotice(), "Renewed until Mar 15, 2027 \u2014 €16.20 recorded");
+    EXPECT_FALSE(store().hasUnsavedChanges());
+
+    // A second renewal is a second payment; the corrected first one stays as corrected.
+    m_clock.advance(hours(1));
+    screen.markRenewed(domain);
+    payments = store().fetchPayments(domain);
+    ASSERT_EQ(payments.size(), 2u);
+    EXPECT_EQ(payments[0]->amount.toString(), "15");
+    EXPECT_EQ(payments[1]->amount.toString(), "16.2");
+    EXPECT_EQ(screen.renewalNotice(), "Renewed until Mar 15, 2028 \u2014 €15.00 recorded");
+    // Once the service is gone, so is the notice.
+    m_actions->deleteService(domain);
+    EXPECT_EQ(screen.renewalNotice(), std::nullopt);
 }
 
 TEST_F(RenewalScreenTest, WidgetInTheWindowRenewsByButtonAndKeyAndOpensByReturn) {

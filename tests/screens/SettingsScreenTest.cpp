@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The settings over real QSettings in the fixture's temp INI file: the values a first run shows,
-// what each choice writes to the file, and the texts of a machine without a fingerprint reader.
+// what each choice writes to the file, the currency every amount is written in, and the texts of
+// a machine without a fingerprint reader.
 
 #include "screens/SettingsScreen.h"
 
 #include "ScreenFixture.h"
+#include "util/CurrencyFormat.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -75,6 +77,32 @@ TEST_F(SettingsScreenTest, AValueEditedByHandThatNoPickerOffersSelectsNothing) {
     EXPECT_EQ(shown(SettingsScreen::clipboardOptions(), screen.clipboardTimeout()), "(none)");
     EXPECT_EQ(shown(SettingsScreen::warningDayOptions(), screen.warningDays()), "3 days before")
         << "text where a number belongs reads as absent";
+}
+
+TEST_F(SettingsScreenTest, TheCurrencyIsStoredAppliedToEveryAmountAndReadBackAtTheNextStart) {
+    struct DefaultCurrency {
+        ~DefaultCurrency() { setVaultCurrency(defaultCurrency); }
+    } restore;
+    SettingsScreen screen(m_preferences, m_auth);
+    EXPECT_EQ(screen.currency(), "USD");
+    EXPECT_FALSE(screen.setCurrency("EURO"));
+    EXPECT_FALSE(fileText().contains(QStringLiteral("currency")));
+    EXPECT_TRUE(screen.setCurrency("EUR"));
+    EXPECT_TRUE(fileHasLine(QStringLiteral("currency=EUR"))) << fileText().toStdString();
+    EXPECT_EQ(currencyFormatted(money("15"), "en_US", CurrencyDigits::all), "€15.00");
+
+    // The next start: the default until the stored code is applied, then the stored one.
+    setVaultCurrency(defaultCurrency);
+    QtPreferenceStore reopened(m_folder.filePath(QStringLiteral("preferences.ini")));
+    EXPECT_EQ(SettingsScreen(reopened, m_auth).currency(), "EUR");
+    SettingsScreen::applyCurrency(reopened);
+    EXPECT_EQ(vaultCurrency(), "EUR");
+
+    // A code edited by hand that is no currency reads as the default, and is applied as it.
+    reopened.setStringValue(SettingsScreen::Key::currency, "ZZZ");
+    EXPECT_EQ(SettingsScreen(reopened, m_auth).currency(), "USD");
+    SettingsScreen::applyCurrency(reopened);
+    EXPECT_EQ(vaultCurrency(), "USD");
 }
 
 TEST_F(SettingsScreenTest, WithoutAFingerprintReaderThereIsNoBiometricsRow) {

@@ -18,6 +18,7 @@
 #include "auth/AuthManager.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
+#include "screens/SettingsScreen.h"
 #include "secrets/KeychainManager.h"
 #include "store/DataStore.h"
 #include "util/SystemClock.h"
@@ -177,6 +178,8 @@ int main(int argc, char* argv[]) {
     DataStore& store = *opened.value();
     QtClipboard clipboard;
     QtPreferenceStore preferences(folder + QStringLiteral("/preferences.ini"));
+    // Amounts in the currency OUT_DIR/preferences.ini names, as the program does at start.
+    SettingsScreen::applyCurrency(preferences);
     AppState state(clipboard, mainLoop);
     const ServiceActions actions(store, state, calendar);
     AppContext context{store,    state,     AuthManager::shared(), calendar,

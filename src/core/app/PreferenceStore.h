@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace vorlane {
@@ -16,6 +17,8 @@ public:
     virtual void setIntValue(std::string_view key, int value) = 0;
     virtual bool boolValue(std::string_view key, bool defaultValue) const = 0;
     virtual void setBoolValue(std::string_view key, bool value) = 0;
+    virtual std::string stringValue(std::string_view key, std::string_view defaultValue) const = 0;
+    virtual void setStringValue(std::string_view key, std::string_view value) = 0;
 };
 
 } // namespace vorlane

@@ -2,8 +2,12 @@
 #include "app/ServiceActions.h"
 
 #include "app/AppState.h"
+#include "model/PaymentRecord.h"
 #include "model/ServiceRecord.h"
+#include "money/ChargePerPeriod.h"
 #include "store/DataStore.h"
+#include "util/CurrencyFormat.h"
+#include "util/DateText.h"
 #include "util/UserCalendar.h"
 #include "util/Uuid.h"
 
@@ -18,10 +22,11 @@ ServiceActions::ServiceActions(DataStore& store, AppState& state, const UserCale
     , m_state(state)
     , m_calendar(calendar) {}
 
-void ServiceActions::markRenewed(ServiceRecord& service) const {
+PaymentRecord* ServiceActions::markRenewed(ServiceRecord& service) const {
     if (!service.expirationDate) {
-        return;
+        return nullptr;
     }
+    const Instant renewedFrom = *service.expirationDate;
     // A year is twelve months to the calendar too: 29 February plus either is 28 February.
     service.expirationDate = m_calendar.adding(
         UserCalendar::Unit::month, service.billingCycle().renewalMonths(), *service.expirationDate);
@@ -30,7 +35,25 @@ void ServiceActions::markRenewed(ServiceRecord& service) const {
     service.setStatus(ServiceStatus::active);
     service.updatedAt = now;
     m_store.noteChanged(service);
+    PaymentRecord payment;
+    payment.id = Uuid::generate();
+    payment.datePaid = now;
+    payment.periodFrom = renewedFrom;
+    payment.periodTo = service.expirationDate;
+    payment.amount = chargePerPeriod(service);
+    PaymentRecord& recorded = m_store.insert(std::move(payment), service);
     m_store.save();
+    return &recorded;
+}
+
+std::string ServiceActions::renewalNotice(const PaymentRecord& payment,
+                                          const UserCalendar& calendar) {
+    const std::string until =
+        payment.periodTo
+            ? DateText::format(*payment.periodTo, DateText::Style::abbreviated, calendar)
+            : std::string();
+    return "Renewed until " + until + " \xE2\x80\x94 " +
+           currencyFormatted(payment.amount, {}, CurrencyDigits::all) + " recorded";
 }
 
 void ServiceActions::archive(ServiceRecord& service) const {

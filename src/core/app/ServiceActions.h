@@ -7,6 +7,7 @@ namespace vorlane {
 
 class AppState;
 class DataStore;
+struct PaymentRecord;
 struct ServiceRecord;
 class UserCalendar;
 
@@ -19,9 +20,14 @@ public:
 
     // Moves the expiration date one billing period ahead in the user's calendar (a year for
     // one-time, none and unknown cycles; 31 January plus a month is the end of February), sets
-    // the renewal date and `updatedAt` to now and the status to active, and saves. A service
-    // without an expiration date is left alone.
-    void markRenewed(ServiceRecord& service) const;
+    // the renewal date and `updatedAt` to now and the status to active, records what the renewal
+    // cost (a payment of the service's charge per period, paid now, covering the old expiration
+    // date to the new one), and saves. Returns that payment, owned by the store. A service
+    // without an expiration date is left alone, and nothing is returned.
+    PaymentRecord* markRenewed(ServiceRecord& service) const;
+    // What the window says after a renewal: "Renewed until <new expiration date> — <amount>
+    // recorded".
+    static std::string renewalNotice(const PaymentRecord& payment, const UserCalendar& calendar);
 
     // Archive: hidden from every list but the archive, status archived. Restore: back to active.
     // Both rely on the store's autosave.

@@ -48,6 +48,7 @@ public:
     const ReportPeriod& period() const { return m_period; }
     const std::vector<Row>& rows() const { return m_rows; }
     const Totals& totals() const { return m_totals; }
+    const UserCalendar& calendar() const { return m_calendar; }
 
     // The CSV a spreadsheet opens: a header naming the columns, one line per row and a last
     // line titled TOTAL with the sums (no charge per period there: charges of different cycles

@@ -4,8 +4,10 @@
 #include "app/AppContext.h"
 #include "app/AppState.h"
 #include "app/ServiceActions.h"
+#include "model/PaymentRecord.h"
 #include "model/ServiceRecord.h"
 #include "model/TimeGroup.h"
+#include "money/ChargePerPeriod.h"
 #include "store/DataStore.h"
 #include "util/CurrencyFormat.h"
 
@@ -79,7 +81,60 @@ std::optional<EmptyState> RenewalScreen::emptyState() const {
 }
 
 void RenewalScreen::markRenewed(ServiceRecord& service) {
-    m_context.serviceActions.markRenewed(service);
+    const Uuid serviceId = service.id;
+    if (const PaymentRecord* payment = m_context.serviceActions.markRenewed(service)) {
+        m_renewal.emplace(serviceId, payment->id);
+    }
+}
+
+PaymentRecord* RenewalScreen::renewalPayment() const {
+    if (!m_renewal) {
+        return nullptr;
+    }
+    const ServiceRecord* service = m_context.store.service(m_renewal->first);
+    if (service == nullptr) {
+        return nullptr;
+    }
+    for (PaymentRecord* payment : m_context.store.fetchPayments(*service)) {
+        if (payment->id == m_renewal->second) {
+            return payment;
+        }
+    }
+    return nullptr;
+}
+
+std::optional<std::string> RenewalScreen::renewalNotice() const {
+    const PaymentRecord* payment = renewalPayment();
+    if (payment == nullptr) {
+        return std::nullopt;
+    }
+    return ServiceActions::renewalNotice(*payment, m_context.calendar);
+}
+
+std::string RenewalScreen::renewalAmountText() const {
+    const PaymentRecord* payment = renewalPayment();
+    return payment ? payment->amount.toString() : std::string();
+}
+
+std::optional<std::string> RenewalScreen::editRenewalAmount(std::string_view text) {
+    PaymentRecord* payment = renewalPayment();
+    if (payment == nullptr) {
+        return std::nullopt;
+    }
+    while (!text.empty() && text.front() == ' ') {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && text.back() == ' ') {
+        text.remove_suffix(1);
+    }
+    const std::optional<Decimal> amount = Decimal::fromString(text);
+    if (!amount || amount->isNegative()) {
+        return std::string("Not a valid amount");
+    }
+    payment->amount = *amount;
+    m_context.store.noteChanged(*payment);
+    m_context.store.save();
+    return std::nullopt;
 }
 
 void RenewalScreen::open(ServiceRecord& service) {
@@ -95,11 +150,18 @@ std::vector<RenewalScreen::Band> RenewalScreen::bandsOf(const std::vector<Servic
                                                         const UserCalendar& calendar) {
     std::vector<Band> bands;
     for (const TimeGroup& group : groupByTimeframe(services, calendar)) {
-        Band band{group.title, static_cast<int>(group.services.size()), {}, {}, {}};
+        Band band{group.title, static_cast<int>(group.services.size()), {}, {}, {}, {}};
         band.accessibleText = band.title + ", " + std::to_string(band.count) + " item(s)";
         if (const Decimal total = group.totalCost(); total > Decimal()) {
             band.totalCostText = currencyFormatted(total);
             band.accessibleText += ", " + band.totalCostText + " a month";
+        }
+        Decimal due;
+        for (const ServiceRecord* service : group.services) {
+            due += chargePerPeriod(*service);
+        }
+        if (due > Decimal()) {
+            band.dueText = currencyFormatted(due, {}, CurrencyDigits::all) + " due";
         }
         band.accessibleText += ".";
         band.rows.reserve(group.services.size());
@@ -115,7 +177,11 @@ std::vector<RenewalScreen::Band> RenewalScreen::bandsOf(const std::vector<Servic
                     service->title,
                     days ? daysText(*days) : std::string(),
                     state.color(),
+                    {},
                     {}};
+            if (const Decimal charge = chargePerPeriod(*service); charge > Decimal()) {
+                row.dueText = "Due: " + currencyFormatted(charge, {}, CurrencyDigits::all);
+            }
             row.accessibleText = row.title + ", " + std::string(service->serviceType().label()) +
                                  ". " + std::string(state.displayName()) +
                                  (row.daysText.empty() ? "." : ", " + row.daysText + ".");

@@ -5,6 +5,7 @@
 #include "model/Palette.h"
 #include "screens/EmptyState.h"
 #include "screens/RenewalFilter.h"
+#include "util/Uuid.h"
 
 #include <optional>
 #include <string>
@@ -15,6 +16,7 @@ namespace vorlane {
 
 struct AppContext;
 struct Organization;
+struct PaymentRecord;
 struct ServiceRecord;
 class UserCalendar;
 
@@ -37,6 +39,7 @@ public:
         std::string title;
         std::string daysText; // "12 days left", "3 days ago"
         Palette::Color daysColor;
+        std::string dueText; // "Due: $15.00", the charge of the coming period; empty when none
         std::string accessibleText; // "Main VPS, VPS. Expiring Soon, 12 days left."
     };
 
@@ -44,6 +47,7 @@ public:
         std::string title;
         int count;
         std::string totalCostText; // monthly, formatted; empty when the band costs nothing
+        std::string dueText;       // "$55.00 due": the rows' charges; empty when nothing is due
         std::vector<Row> rows;
         std::string accessibleText; // "This Week, 3 item(s), $40 a month."
     };
@@ -66,6 +70,15 @@ public:
     // The row's button: one billing period more (see ServiceActions::markRenewed). The schedule of
     // reminders is left as it is until the next start.
     void markRenewed(ServiceRecord& service);
+    static constexpr std::string_view editAmountTitle = "Edit Amount";
+    // After a renewal: "Renewed until <date> — $15.00 recorded", with "Edit Amount" to correct
+    // what was recorded. Nothing before one, or once its payment or service is gone.
+    std::optional<std::string> renewalNotice() const;
+    // The recorded amount as it stands, for the amount field ("15", exact).
+    std::string renewalAmountText() const;
+    // Corrects the recorded amount: nothing when done, else the error to show by the field
+    // ("Not a valid amount"), and the payment keeps its amount.
+    std::optional<std::string> editRenewalAmount(std::string_view text);
     // A row chosen: the service's detail.
     void open(ServiceRecord& service);
 
@@ -78,12 +91,15 @@ public:
 
 private:
     std::vector<ServiceRecord*> fetch() const;
+    PaymentRecord* renewalPayment() const;
 
     AppContext& m_context;
     RenewalFilter m_filter;
     Organization* m_organization;
     std::vector<ServiceRecord*> m_services;
     std::vector<Band> m_bands;
+    // The payment the last renewal recorded, by ids: the store may have deleted it since.
+    std::optional<std::pair<Uuid, Uuid>> m_renewal; // service, payment
 };
 
 } // namespace vorlane

@@ -3,6 +3,9 @@
 
 #include "app/PreferenceStore.h"
 #include "auth/AuthManager.h"
+#include "util/CurrencyFormat.h"
+
+#include <algorithm>
 
 namespace vorlane {
 
@@ -87,6 +90,33 @@ int SettingsScreen::warningDays() const {
 
 void SettingsScreen::setWarningDays(int days) {
     m_preferences.setIntValue(Key::expirationWarningDays, days);
+}
+
+std::vector<CurrencyChoice> SettingsScreen::currencyChoices() {
+    return vorlane::currencyChoices();
+}
+
+std::string SettingsScreen::currency() const {
+    const std::string stored = m_preferences.stringValue(Key::currency, defaultCurrency);
+    const std::vector<CurrencyChoice> choices = currencyChoices();
+    const bool known = std::any_of(choices.begin(), choices.end(),
+                                   [&](const CurrencyChoice& c) { return c.code == stored; });
+    return known ? stored : std::string(defaultCurrency);
+}
+
+bool SettingsScreen::setCurrency(std::string_view code) {
+    if (!setVaultCurrency(code)) {
+        return false;
+    }
+    m_preferences.setStringValue(Key::currency, code);
+    return true;
+}
+
+void SettingsScreen::applyCurrency(const PreferenceStore& preferences) {
+    // A code that is no longer current (edited by hand, withdrawn since) leaves the default.
+    if (!setVaultCurrency(preferences.stringValue(Key::currency, defaultCurrency))) {
+        setVaultCurrency(defaultCurrency);
+    }
 }
 
 bool SettingsScreen::showsBiometricsRow() const {

@@ -9,14 +9,15 @@
 namespace vorlane {
 
 class AuthManager;
+struct CurrencyChoice;
 class PreferenceStore;
 
 // The preferences screen: three tabs over four preferences kept in the preference store, and two
-// texts about how the vault is protected. The preferences are only stored and shown; nothing else
-// in the program reads them (the clipboard always clears after 30 seconds, there is no automatic
-// lock, the reminder offsets are fixed). Every read goes to the store, so the settings window and
-// the settings sheet, which edit the same keys, always show the same values. Main thread; the
-// store and the authentication manager must outlive the screen.
+// texts about how the vault is protected. Apart from the currency, the preferences are only stored
+// and shown; nothing else in the program reads them (the clipboard always clears after 30
+// seconds, there is no automatic lock, the reminder offsets are fixed). Every read goes to the
+// store, so the settings window and the settings sheet, which edit the same keys, always show the
+// same values. Main thread; the store and the authentication manager must outlive the screen.
 class SettingsScreen {
 public:
     struct Key {
@@ -24,6 +25,7 @@ public:
         static constexpr std::string_view autoLockTimeout = "autoLockTimeout";
         static constexpr std::string_view showExpenseReminders = "showExpenseReminders";
         static constexpr std::string_view expirationWarningDays = "expirationWarningDays";
+        static constexpr std::string_view currency = "currency";
     };
     static constexpr double defaultClipboardTimeout = 30;
     static constexpr double defaultAutoLockTimeout = 300;
@@ -80,6 +82,19 @@ public:
     void setShowExpenseReminders(bool show);
     int warningDays() const;
     void setWarningDays(int days);
+
+    // -- The vault's currency (Settings → General): one for the whole vault, amounts are never
+    // converted. Every ISO 4217 code to choose from, with its name, alphabetically by code.
+    static constexpr std::string_view currencyLabel = "Currency";
+    static std::vector<CurrencyChoice> currencyChoices();
+    // The stored code, "USD" while none is (or what is stored is not a current code).
+    std::string currency() const;
+    // Stores the code and writes every amount in it from now on; false, and nothing changed, for
+    // a code that is not a current ISO 4217 currency.
+    bool setCurrency(std::string_view code);
+    // Makes the stored currency the one amounts are written in: at start, before anything shows
+    // money (the window and vorlane-cli).
+    static void applyCurrency(const PreferenceStore& preferences);
 
     // -- What the authentication rows say, asked of the system each time.
     // The "Biometrics" row is shown only when a biometric method can be used.

@@ -51,7 +51,7 @@ void paintHeader(QPainter& painter, const QStyleOptionViewItem& option,
                  const RenewalScreen::Band& band) {
     SectionHeader::paint(painter, option.rect, toQString(band.title), band.count, option.palette,
                          option.font);
-    if (band.totalCostText.empty()) {
+    if (band.totalCostText.empty() && band.dueText.empty()) {
         return;
     }
     // The total on the title's line, at the right.
@@ -63,7 +63,13 @@ void paintHeader(QPainter& painter, const QStyleOptionViewItem& option,
     painter.save();
     painter.setFont(bold);
     painter.setPen(option.palette.color(QPalette::PlaceholderText));
-    painter.drawText(line, Qt::AlignRight | Qt::AlignVCenter, toQString(band.totalCostText));
+    // The monthly total as always, and beside it what falls due in the band.
+    QString trailing = toQString(band.totalCostText);
+    if (!band.dueText.empty()) {
+        trailing +=
+            (trailing.isEmpty() ? QString() : QStringLiteral(" \u00B7 ")) + toQString(band.dueText);
+    }
+    painter.drawText(line, Qt::AlignRight | Qt::AlignVCenter, trailing);
     painter.restore();
 }
 
@@ -155,11 +161,18 @@ void RenewalRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& op
                  : PaletteColor::foreground(PaletteColor::color(row->daysColor, palette), palette));
     painter->drawText(daysRect, Qt::AlignRight | Qt::AlignVCenter, days);
 
+    // What the coming period costs, left of the days.
+    const QString due = toQString(row->dueText);
+    const int dueWidth = due.isEmpty() ? 0 : daysMetrics.horizontalAdvance(due) + gap;
+    const QRect dueRect(daysRect.left() - dueWidth, rect.top(), dueWidth, rect.height());
+    painter->setPen(secondary);
+    painter->drawText(dueRect.adjusted(0, 0, -gap, 0), Qt::AlignRight | Qt::AlignVCenter, due);
+
     QFont titleFont = opt.font;
     titleFont.setWeight(QFont::DemiBold);
     const QFontMetrics titleMetrics(titleFont);
-    const QRect title(tile.right() + gap + 1, rect.top(),
-                      daysRect.left() - gap - tile.right() - gap, rect.height());
+    const QRect title(tile.right() + gap + 1, rect.top(), dueRect.left() - gap - tile.right() - gap,
+                      rect.height());
     painter->setFont(titleFont);
     painter->setPen(palette.color(selected ? QPalette::HighlightedText : QPalette::Text));
     painter->drawText(

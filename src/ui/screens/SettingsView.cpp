@@ -4,9 +4,12 @@
 #include "QtText.h"
 #include "SymbolIcon.h"
 #include "app/AppContext.h"
+#include "store/DataStore.h"
+#include "util/CurrencyFormat.h"
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QCompleter>
 #include <QEvent>
 #include <QFormLayout>
 #include <QGroupBox>
@@ -67,6 +70,7 @@ QVBoxLayout* tabLayout(QWidget* tab) {
 
 SettingsView::SettingsView(AppContext& context, QWidget* parent)
     : QTabWidget(parent)
+    , m_context(context)
     , m_screen(context.preferences, context.auth) {
     setFixedSize(fixedSize);
     setAccessibleName(QStringLiteral("Settings"));
@@ -89,6 +93,29 @@ QWidget* SettingsView::generalTab() {
     auto* storage = new QLabel(toQString(SettingsScreen::storageValue));
     storage->setWordWrap(true);
     dataSection->addRow(toQString(SettingsScreen::storageLabel), storage);
+    // Searchable: typing "eur" or "yen" anywhere in "EUR — Euro" finds it.
+    m_currency = new QComboBox;
+    m_currency->setEditable(true);
+    m_currency->setInsertPolicy(QComboBox::NoInsert);
+    for (const CurrencyChoice& choice : SettingsScreen::currencyChoices()) {
+        m_currency->addItem(toQString(choice.code + " \xE2\x80\x94 " + choice.name),
+                            toQString(choice.code));
+    }
+    m_currency->completer()->setCompletionMode(QCompleter::PopupCompletion);
+    m_currency->completer()->setFilterMode(Qt::MatchContains);
+    m_currency->completer()->setCaseSensitivity(Qt::CaseInsensitive);
+    connect(m_currency, &QComboBox::activated, this, [this](int index) {
+        if (m_screen.setCurrency(m_currency->itemData(index).toString().toStdString())) {
+            // Every screen writes its amounts again, in the new currency.
+            m_context.store.changed.emit();
+        }
+    });
+    dataSection->addRow(toQString(SettingsScreen::currencyLabel), m_currency);
+    auto* currencyNote =
+        new QLabel(QStringLiteral("One currency for the whole vault; amounts are not converted."));
+    currencyNote->setWordWrap(true);
+    currencyNote->setForegroundRole(QPalette::PlaceholderText);
+    dataSection->addRow(QString(), currencyNote);
     layout->addStretch(1);
     return tab;
 }
@@ -137,6 +164,7 @@ QWidget* SettingsView::notificationsTab() {
 
 void SettingsView::reload() {
     showValue(m_clipboard, SettingsScreen::clipboardOptions(), m_screen.clipboardTimeout());
+    m_currency->setCurrentIndex(m_currency->findData(toQString(m_screen.currency())));
     showValue(m_autoLock, SettingsScreen::autoLockOptions(), m_screen.autoLockTimeout());
     showValue(m_warningDays, SettingsScreen::warningDayOptions(), m_screen.warningDays());
     {

@@ -27,6 +27,7 @@ public:
     explicit SettingsView(AppContext& context, QWidget* parent = nullptr);
 
     QComboBox* clipboardPicker() const { return m_clipboard; }
+    QComboBox* currencyPicker() const { return m_currency; }
     QComboBox* autoLockPicker() const { return m_autoLock; }
     QComboBox* warningDaysPicker() const { return m_warningDays; }
     QCheckBox* expenseRemindersToggle() const { return m_expenseReminders; }
@@ -43,7 +44,9 @@ private:
     QWidget* securityTab();
     QWidget* notificationsTab();
 
+    AppContext& m_context;
     SettingsScreen m_screen;
+    QComboBox* m_currency = nullptr;
     QComboBox* m_clipboard = nullptr;
     QComboBox* m_autoLock = nullptr;
     QFormLayout* m_autoLockForm = nullptr;
