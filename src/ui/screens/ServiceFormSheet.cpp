@@ -6,7 +6,6 @@
 #include "app/AppContext.h"
 #include "components/PaletteColor.h"
 #include "components/PasswordGeneratorPopup.h"
-#include "components/PlainText.h"
 #include "components/TintedIcon.h"
 #include "model/Organization.h"
 #include "util/UserCalendar.h"
