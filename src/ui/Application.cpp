@@ -20,6 +20,7 @@
 #include "app/AppState.h"
 #include "app/ServiceActions.h"
 #include "auth/AuthManager.h"
+#include "components/PlainText.h"
 #include "reminders/NotificationManager.h"
 #include "screens/SettingsScreen.h"
 #include "secrets/KeychainManager.h"
@@ -218,8 +219,12 @@ int Application::run(int argc, char* argv[]) {
         const std::string message = "Failed to initialize data store: " + opened->error();
         std::fprintf(stderr, "%s\n", message.c_str());
         if (app) {
-            QMessageBox::critical(progress->isVisible() ? progress.get() : nullptr,
-                                  QStringLiteral("Vorlane"), QString::fromStdString(message));
+            // The reason quotes the vault's path, which may hold anything.
+            QMessageBox box(QMessageBox::Critical, QStringLiteral("Vorlane"),
+                            QString::fromStdString(message), QMessageBox::Ok,
+                            progress->isVisible() ? progress.get() : nullptr);
+            PlainText::apply(box);
+            box.exec();
         }
         return 1;
     }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "PasswordPromptDialog.h"
 
+#include "components/PlainText.h"
+
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLabel>
@@ -17,9 +19,9 @@ PasswordPromptDialog::PasswordPromptDialog(const QString& reason, const QString&
                                            const QString& cancelTitle, QWidget* parent)
     : QDialog(parent)
     , m_fallbackTitle(fallbackTitle)
-    , m_reason(new QLabel(reason))
-    , m_message(new QLabel)
-    , m_prompt(new QLabel)
+    , m_reason(PlainText::label(reason))
+    , m_message(PlainText::label())
+    , m_prompt(PlainText::label())
     , m_field(new QLineEdit)
     , m_confirm(new QPushButton) {
     setWindowTitle(QStringLiteral("Vorlane"));

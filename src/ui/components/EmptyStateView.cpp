@@ -3,6 +3,7 @@
 
 #include "QtText.h"
 #include "components/PaletteColor.h"
+#include "components/PlainText.h"
 #include "components/TintedIcon.h"
 #include "screens/EmptyState.h"
 
@@ -21,8 +22,8 @@ constexpr int iconSize = 48;
 EmptyStateView::EmptyStateView(const EmptyState& state, QWidget* parent)
     : QWidget(parent)
     , m_icon(new QLabel)
-    , m_title(new QLabel)
-    , m_message(new QLabel)
+    , m_title(PlainText::label())
+    , m_message(PlainText::label())
     , m_action(new QPushButton) {
     auto* layout = new QVBoxLayout(this);
     layout->setSpacing(8);

@@ -3,6 +3,7 @@
 
 #include "QtText.h"
 #include "SymbolIcon.h"
+#include "components/PlainText.h"
 #include "screens/ServiceRowMenu.h"
 
 #include <QDesktopServices>
@@ -68,6 +69,7 @@ bool ServiceContextMenu::confirmDeletion(AppContext& context, ServiceRecord& ser
         box.addButton(toQString(confirmation.confirmTitle), QMessageBox::DestructiveRole);
     QPushButton* cancel =
         box.addButton(toQString(confirmation.cancelTitle), QMessageBox::RejectRole);
+    PlainText::apply(box);
     // A stray Return must not delete.
     box.setDefaultButton(cancel);
     box.setEscapeButton(cancel);

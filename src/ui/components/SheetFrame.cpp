@@ -2,6 +2,7 @@
 #include "components/SheetFrame.h"
 
 #include "SymbolIcon.h"
+#include "components/PlainText.h"
 
 #include <QDialog>
 #include <QFrame>
@@ -15,7 +16,7 @@ namespace vorlane {
 
 SheetFrame::SheetFrame(QDialog& dialog, const QString& title, CloseButton closeButton)
     : m_content(new QVBoxLayout)
-    , m_subtitle(new QLabel)
+    , m_subtitle(PlainText::label())
     , m_dialog(dialog)
     , m_back(new QPushButton(QStringLiteral("Back")))
     , m_cancel(new QPushButton(QStringLiteral("Cancel")))
@@ -29,7 +30,7 @@ SheetFrame::SheetFrame(QDialog& dialog, const QString& title, CloseButton closeB
     // An auto-raised close button carries its own padding, so it sits nearer the edge.
     header->setContentsMargins(20, 16, closeButton == CloseButton::shown ? 12 : 20, 12);
     auto* titles = new QVBoxLayout;
-    auto* heading = new QLabel(title);
+    auto* heading = PlainText::label(title);
     QFont headingFont = heading->font();
     headingFont.setPointSizeF(headingFont.pointSizeF() * 1.4);
     headingFont.setBold(true);

@@ -7,6 +7,7 @@
 #include "app/AppState.h"
 #include "components/EmptyStatePages.h"
 #include "components/EmptyStateView.h"
+#include "components/PlainText.h"
 #include "components/RowListView.h"
 #include "components/ScreenTitle.h"
 #include "components/SectionedListModel.h"
@@ -40,7 +41,7 @@ GlobalSearchView::GlobalSearchView(AppContext& context, QWidget* parent)
     auto* icon = new QLabel;
     icon->setPixmap(SymbolIcon::icon(GlobalSearchScreen::icon).pixmap(22, 22));
     header->addWidget(icon);
-    m_title->setTextFormat(Qt::PlainText);
+    PlainText::apply(*m_title);
     header->addWidget(m_title, 1);
     m_count->setForegroundRole(QPalette::PlaceholderText);
     header->addWidget(m_count);

@@ -7,12 +7,14 @@
 #include "app/AppState.h"
 #include "components/EmptyStateView.h"
 #include "components/OrgAvatar.h"
+#include "components/PlainText.h"
 #include "components/RowListView.h"
 #include "components/SectionedListModel.h"
 #include "components/SectionedRowDelegate.h"
 #include "components/ServiceContextMenu.h"
 #include "components/StatCardView.h"
 #include "model/ServiceRecord.h"
+#include "screens/CostReportSheet.h"
 #include "screens/DetailRowDelegate.h"
 #include "screens/DetailRowModel.h"
 #include "store/DataStore.h"
@@ -43,10 +45,6 @@ QToolButton* actionButton(std::string_view icon, const QString& text) {
     return button;
 }
 
-QString escaped(const std::string& text) {
-    return toQString(text).toHtmlEscaped();
-}
-
 void clearLayout(QLayout* layout) {
     while (QLayoutItem* item = layout->takeAt(0)) {
         delete item->widget();
@@ -62,8 +60,8 @@ OrganizationDetailView::OrganizationDetailView(AppContext& context, Organization
     , m_context(context)
     , m_screen(context, organization)
     , m_avatar(new QLabel)
-    , m_name(new QLabel)
-    , m_project(new QLabel)
+    , m_name(PlainText::label())
+    , m_project(PlainText::label())
     , m_contact(new QLabel)
     , m_tagRow(new QHBoxLayout)
     , m_favorite(actionButton("star", QStringLiteral("Favorite")))
@@ -115,18 +113,24 @@ OrganizationDetailView::OrganizationDetailView(AppContext& context, Organization
 
     auto* edit = actionButton("pencil", QStringLiteral("Edit"));
     auto* share = actionButton("square.and.arrow.up", QStringLiteral("Share"));
+    auto* costReport =
+        actionButton("doc.text.magnifyingglass", toQString(CostReportExport::title));
     auto* addService = actionButton("plus.circle", QStringLiteral("Add Service"));
     auto* smartPaste = actionButton("doc.on.clipboard", QStringLiteral("Smart Paste"));
     m_favorite->setCheckable(true);
     connect(m_favorite, &QToolButton::clicked, this, [this] { m_screen.toggleFavorite(); });
     connect(edit, &QToolButton::clicked, this, [this] { m_screen.edit(); });
     connect(share, &QToolButton::clicked, this, [this] { m_screen.share(); });
+    connect(costReport, &QToolButton::clicked, this, [this] {
+        CostReportSheet sheet(m_context, m_screen.organization(), this);
+        sheet.exec();
+    });
     connect(m_archive, &QToolButton::clicked, this, [this] { m_screen.archiveOrRestore(); });
     connect(addService, &QToolButton::clicked, this, [this] { m_screen.addService(); });
     connect(smartPaste, &QToolButton::clicked, this, [this] { m_screen.smartPaste(); });
     auto* actions = new QHBoxLayout;
     actions->setSpacing(6);
-    for (QToolButton* button : {m_favorite, edit, share, m_archive}) {
+    for (QToolButton* button : {m_favorite, edit, share, costReport, m_archive}) {
         actions->addWidget(button);
     }
     actions->addStretch();
@@ -277,15 +281,16 @@ void OrganizationDetailView::refreshHeader() {
     m_project->setVisible(!header.projectName.empty());
     QStringList contact;
     for (const auto& item : header.contact) {
-        contact << (item.link.empty() ? escaped(item.text)
+        const QString text = PlainText::escaped(toQString(item.text));
+        contact << (item.link.empty() ? text
                                       : QStringLiteral("<a href=\"%1\">%2</a>")
-                                            .arg(escaped(item.link), escaped(item.text)));
+                                            .arg(PlainText::escaped(toQString(item.link)), text));
     }
     m_contact->setText(contact.join(QStringLiteral(" &nbsp;·&nbsp; ")));
     m_contact->setVisible(!contact.isEmpty());
     clearLayout(m_tagRow);
     for (const std::string& tag : header.tags) {
-        auto* chip = new QLabel(toQString(tag));
+        auto* chip = PlainText::label(toQString(tag));
         // Capsules in the palette's own colours, so they read on light and dark themes.
         chip->setStyleSheet(QStringLiteral("QLabel { background: palette(alternate-base); "
                                            "border: 1px solid palette(mid); border-radius: 9px; "

@@ -5,6 +5,7 @@
 #include "app/AppContext.h"
 #include "components/CapsuleLabel.h"
 #include "components/PaletteColor.h"
+#include "components/PlainText.h"
 #include "components/TintedIcon.h"
 #include "store/DataStore.h"
 
@@ -64,12 +65,12 @@ ServiceDetailView::ServiceDetailView(AppContext& context, const ServiceRecord& s
     , m_context(context)
     , m_screen(context, service)
     , m_typeIcon(new QLabel)
-    , m_title(new QLabel)
-    , m_subtitle(new QLabel)
+    , m_title(PlainText::label())
+    , m_subtitle(PlainText::label())
     , m_badge(new CapsuleLabel)
     , m_openURL(actionButton("safari", QStringLiteral("Open URL")))
     , m_markRenewed(actionButton("arrow.clockwise", QStringLiteral("Mark Renewed")))
-    , m_message(new QLabel)
+    , m_message(PlainText::label())
     , m_sectionsHost(new QWidget)
     , m_sectionsLayout(new QVBoxLayout(m_sectionsHost)) {
     setAccessibleName(QStringLiteral("Service"));
@@ -186,6 +187,7 @@ void ServiceDetailView::confirmDelete() {
         toQString(m_screen.deleteConfirmationMessage()), QMessageBox::NoButton, this);
     QPushButton* confirm = box->addButton(QStringLiteral("Delete"), QMessageBox::DestructiveRole);
     QPushButton* cancel = box->addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole);
+    PlainText::apply(*box);
     box->setDefaultButton(cancel);
     box->setEscapeButton(cancel);
     box->setWindowModality(Qt::WindowModal);
@@ -268,7 +270,7 @@ QWidget* ServiceDetailView::createRow(const ServiceDetailScreen::Row& row) {
     layout->setContentsMargins(0, 2, 0, 2);
     layout->setSpacing(8);
     RowWidgets& parts = m_rows[row.field];
-    parts.value = new QLabel;
+    parts.value = PlainText::label();
     parts.value->setWordWrap(true);
 
     if (row.kind == RowKind::caption) {
@@ -291,10 +293,12 @@ QWidget* ServiceDetailView::createRow(const ServiceDetailScreen::Row& row) {
     label->setFixedWidth(120);
     label->setBuddy(parts.value);
     parts.value->setAccessibleName(toQString(row.label));
-    parts.value->setTextInteractionFlags(row.kind == RowKind::secure ? Qt::NoTextInteraction
-                                                                     : Qt::TextSelectableByMouse);
     if (row.kind == RowKind::secure) {
+        // Masked or revealed, a secret leaves only through the copy button.
+        PlainText::applySecret(*parts.value);
         parts.value->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    } else {
+        parts.value->setTextInteractionFlags(Qt::TextSelectableByMouse);
     }
     // Single-line rows centre on their buttons; a long note starts level with its label.
     const Qt::Alignment align = row.field == Field::notes ? Qt::AlignTop : Qt::AlignVCenter;
@@ -351,9 +355,6 @@ void ServiceDetailView::updateRow(const ServiceDetailScreen::Row& row) {
         parts.reveal->setIcon(TintedIcon::ink(row.revealIcon(), *parts.reveal));
         parts.reveal->setAccessibleName(toQString(row.revealText()) + QLatin1Char(' ') +
                                         toQString(row.label));
-        // A revealed secret may be selected and read; a masked one is just bullets.
-        parts.value->setTextInteractionFlags(row.revealed ? Qt::TextSelectableByMouse
-                                                          : Qt::NoTextInteraction);
     }
 }
 

@@ -5,6 +5,7 @@
 #include "QtText.h"
 #include "app/AppContext.h"
 #include "components/PaletteColor.h"
+#include "components/PlainText.h"
 #include "components/PasswordGeneratorPopup.h"
 #include "components/TintedIcon.h"
 #include "model/Organization.h"
@@ -39,8 +40,9 @@ namespace {
 
 using SecretKind = ServiceForm::SecretKind;
 
+// A problem may quote what was typed.
 QLabel* errorLabel() {
-    auto* label = new QLabel;
+    auto* label = PlainText::label();
     label->setWordWrap(true);
     QPalette palette = label->palette();
     palette.setColor(

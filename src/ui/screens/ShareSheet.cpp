@@ -5,6 +5,7 @@
 #include "SymbolIcon.h"
 #include "app/AppContext.h"
 #include "components/PaletteColor.h"
+#include "components/PlainText.h"
 #include "components/SheetFrame.h"
 #include "components/StepIndicator.h"
 #include "components/TintedIcon.h"
@@ -291,7 +292,7 @@ QWidget* ShareSheet::createConfirmStep() {
     m_secretsNotice = notice("lock.shield", PaletteColor::color(Palette::Color::orange, palette()),
                              new QLabel(QString::fromLatin1(ShareFlow::secretsNotice)));
     layout->addWidget(m_secretsNotice);
-    m_errorText = new QLabel;
+    m_errorText = PlainText::label();
     m_errorNotice = notice("exclamationmark.triangle",
                            PaletteColor::color(Palette::Color::red, palette()), m_errorText);
     layout->addWidget(m_errorNotice);
@@ -349,9 +350,9 @@ void ShareSheet::fillSummary() {
     }
     int row = 0;
     for (const auto& [label, value] : m_flow.summaryRows()) {
-        auto* name = new QLabel(toQString(label));
+        auto* name = PlainText::label(toQString(label));
         name->setForegroundRole(QPalette::PlaceholderText);
-        auto* text = new QLabel(toQString(value));
+        auto* text = PlainText::label(toQString(value));
         text->setTextInteractionFlags(Qt::TextSelectableByMouse);
         m_summary->addWidget(name, row, 0);
         m_summary->addWidget(text, row, 1);

@@ -3,6 +3,7 @@
 
 #include "QtText.h"
 #include "SymbolIcon.h"
+#include "components/PlainText.h"
 
 namespace vorlane {
 
@@ -74,8 +75,9 @@ QVariant SidebarListModel::data(const QModelIndex& index, int role) const {
         return toQString(shown.accessibleText);
     case Qt::ToolTipRole:
         // Long names are elided in the narrow column.
-        return shown.kind == SidebarModel::RowKind::organization ? toQString(shown.title)
-                                                                 : QVariant();
+        return shown.kind == SidebarModel::RowKind::organization
+                   ? PlainText::toolTip(toQString(shown.title))
+                   : QVariant();
     case rowKind:
         return static_cast<int>(shown.kind);
     case badgeCount:

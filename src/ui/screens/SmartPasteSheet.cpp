@@ -5,6 +5,7 @@
 #include "SymbolIcon.h"
 #include "app/AppContext.h"
 #include "app/Clipboard.h"
+#include "components/PlainText.h"
 #include "components/SheetFrame.h"
 #include "model/Organization.h"
 #include "paste/PasteParser.h"
@@ -52,7 +53,7 @@ QLabel* checkMark() {
 
 // A small capsule naming one kind of value the parser found by its pattern.
 QLabel* tag(const QString& text) {
-    auto* label = new QLabel(text);
+    auto* label = PlainText::label(text);
     label->setStyleSheet(QStringLiteral(
         "QLabel { border: 1px solid palette(mid); border-radius: 8px; padding: 1px 8px; }"));
     return label;
@@ -201,7 +202,7 @@ QWidget* SmartPasteSheet::createReviewStep() {
         addRow(toQString(field.label), edit, mark);
     }
 
-    m_detectedDate = new QLabel;
+    m_detectedDate = PlainText::label();
     m_detectedDateLabel = addRow(QStringLiteral("Detected Date"), m_detectedDate);
 
     m_detectedTypes = new QWidget;
