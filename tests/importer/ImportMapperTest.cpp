@@ -59,8 +59,9 @@ TEST(ImportMapperTest, KeePassGroupsKindsHostsAndFields) {
     const ImportRow& webmail = titled(rows, "Webmail Grüße 📧");
     EXPECT_EQ(webmail.organization, "Bäckerei Müller");
     EXPECT_EQ(webmail.record.hostname, "webmail.bäckerei.test");
-    EXPECT_EQ(webmail.notImported,
-              (std::vector<std::string>{"one-time code of 'Webmail Grüße 📧' not imported"}));
+    EXPECT_EQ(webmail.totp,
+              "otpauth://totp/Baker?secret=JBSWY3DPEHPK3PXP&issuer=Baker"); // KeePassXC's "otp"
+    EXPECT_TRUE(webmail.notImported.empty());
     EXPECT_EQ(webmail.record.notes.find("otpauth"), std::string::npos);
 
     const ImportRow& router = titled(rows, "Router at home");
@@ -98,8 +99,8 @@ TEST(ImportMapperTest, BitwardenFieldsSpreadsheetKindsAndRejections) {
     EXPECT_EQ(hetzner.organization, "Hetzner Kunde");
     EXPECT_EQ(hetzner.apiKey, "hz-api-7f3a9c");
     EXPECT_EQ(hetzner.notImported,
-              (std::vector<std::string>{"hidden field 'Recovery code' of 'Hetzner' not imported",
-                                        "one-time code of 'Hetzner' not imported"}));
+              (std::vector<std::string>{"hidden field 'Recovery code' of 'Hetzner' not imported"}));
+    EXPECT_EQ(hetzner.totp, "otpauth://totp/Hetzner?secret=JBSWY3DPEHPK3PXP");
     EXPECT_EQ(hetzner.record.notes, "Robot account for the dedicated server\n"
                                     "URL: https://accounts.hetzner.test\n"
                                     "Customer number: K0123456\n"
@@ -117,13 +118,18 @@ TEST(ImportMapperTest, BitwardenFieldsSpreadsheetKindsAndRejections) {
     EXPECT_EQ(sheet[2].reason, "line 4, serviceType: \"spaceship\" is not a known value");
 }
 
-TEST(ImportMapperTest, AnEntryWithoutATitleIsNamedLikeSmartPaste) {
+TEST(ImportMapperTest, UntitledEntriesAndOneTimeCodesThatDoNotRead) {
     auto file = ImportReader::read("url,username,password,totp,extra,name,grouping,fav\n"
-                                   "https://ftp.example.test/,u,p,,,,,0\n");
+                                   "https://ftp.example.test/,u,p,123456,,,,0\n");
     ASSERT_TRUE(file) << file.error();
     const auto rows = ImportMapper::map(std::move(file).value().entries, {});
     EXPECT_EQ(rows.at(0).record.serviceType(), ServiceType::ftpAccess);
+    // Named as smart paste names a credential without a title.
     EXPECT_EQ(rows.at(0).record.title, "FTP / SFTP — ftp.example.test");
+    EXPECT_TRUE(rows.at(0).totp.empty());
+    EXPECT_EQ(rows.at(0).notImported,
+              (std::vector<std::string>{"one-time code of 'FTP / SFTP — ftp.example.test' not "
+                                        "imported: Not a valid one-time code secret"}));
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "importer/CsvTable.h"
 
-#include "util/TagText.h"
+#include "util/Whitespace.h"
 
 #include <algorithm>
 

@@ -5,6 +5,8 @@
 #include "paste/PasteParser.h"
 #include "store/DataStore.h"
 #include "store/SearchText.h"
+#include "totp/TotpSecret.h"
+#include "util/Whitespace.h"
 
 #include <algorithm>
 #include <unordered_set>
@@ -96,10 +98,12 @@ ImportRow rowFrom(ImportedEntry entry) {
                                       " not imported");
         }
     }
-    if (!entry.totp.empty()) {
-        // One-time codes have no place in the vault yet; never in the notes, where they would
-        // be in plain text.
-        row.notImported.push_back("one-time code of " + quotedTitle + " not imported");
+    if (TotpSecret::isValid(entry.totp)) {
+        row.totp = std::move(entry.totp);
+    } else if (!trimmed(entry.totp).empty()) {
+        // Never into the notes, where a secret would sit in plain text.
+        row.notImported.push_back("one-time code of " + quotedTitle +
+                                  " not imported: " + std::string(TotpSecret::invalidMessage));
     }
     if (!entry.rejection.empty()) {
         row.status = ImportRow::Status::rejected;

@@ -19,8 +19,9 @@ class DataStore;
 //   rule smart paste uses.
 // - URL: the login URL, and the hostname and domain (or IP address) from its host.
 // - fields without a home: "Name: value" lines in the notes; hidden ones are secrets, the first
-//   becomes the API key and the rest are reported as not imported, as are one-time codes, never
-//   written into the notes.
+//   becomes the API key and the rest are reported as not imported, never written into the notes.
+// - one-time codes: kept for the service's one-time code secret when they read as one, else
+//   reported as not imported.
 // - duplicates: the same organization, title, username and hostname (case ignored) as a service
 //   in the vault or a row earlier in the file.
 class ImportMapper {

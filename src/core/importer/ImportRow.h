@@ -25,6 +25,7 @@ struct ImportRow {
     ServiceRecord record; // not yet in the vault: no organization, no secret identifiers
     std::string password;
     std::string apiKey;
+    std::string totp; // a one-time code's secret or otpauth:// URI, checked to be one
     std::optional<Instant> createdAt;
     std::optional<Instant> updatedAt;
     Status status = Status::ready;

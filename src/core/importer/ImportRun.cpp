@@ -107,11 +107,12 @@ bool ImportRun::importRow(const ImportRow& row) {
         row.password.empty() ? std::string() : ServiceRecord::makeSecretKeychainID();
     record.apiKeyKeychainID =
         row.apiKey.empty() ? std::string() : ServiceRecord::makeAPIKeyKeychainID();
+    record.totpKeychainID = row.totp.empty() ? std::string() : ServiceRecord::makeTOTPKeychainID();
     // Secrets before the record: a record never points at a secret that was not stored.
-    if (!row.password.empty() && !m_store.setPassword(row.password, record)) {
-        return false;
-    }
-    if (!row.apiKey.empty() && !m_store.setAPIKey(row.apiKey, record)) {
+    const bool stored = (row.password.empty() || m_store.setPassword(row.password, record)) &&
+                        (row.apiKey.empty() || m_store.setAPIKey(row.apiKey, record)) &&
+                        (row.totp.empty() || m_store.setTOTPSecret(row.totp, record));
+    if (!stored) {
         m_store.deleteServiceSecrets(record);
         return false;
     }

@@ -19,7 +19,8 @@ struct Organization;
 // progress and take a cancel between steps (the store is main-thread only, so the steps run on
 // the main loop rather than on a thread of their own).
 //
-// Each row is written whole or not at all: its secrets first (each once), then its record; if
+// Each row is written whole or not at all: its secrets first (password, API key, one-time code,
+// each once), then its record; if
 // the secret store refuses, what that row had stored is removed again and the import stops.
 // The vault is saved after every step, so a cancel or a failure leaves every written service
 // saved with its secrets and nothing half-saved. Organizations are found by name (case

@@ -2,6 +2,7 @@
 
 #include "importer/CsvTable.h"
 #include "util/TagText.h"
+#include "util/Whitespace.h"
 
 namespace vorlane {
 

@@ -7,6 +7,7 @@
 #include "paste/ParsedCredential.h"
 #include "paste/PasteParser.h"
 #include "util/TagText.h"
+#include "util/Whitespace.h"
 
 #include <algorithm>
 
