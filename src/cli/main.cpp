@@ -5,6 +5,7 @@
 #include "DemoCommand.h"
 #include "ExpiredCommand.h"
 #include "ExpiringCommand.h"
+#include "HealthCommand.h"
 #include "ImportCommand.h"
 #include "ListCommand.h"
 #include "OpenBundleCommand.h"
@@ -37,6 +38,7 @@ std::vector<std::unique_ptr<CliCommand>> makeCommands() {
     commands.push_back(std::make_unique<vorlane::TotalsCommand>());
     commands.push_back(std::make_unique<vorlane::ReportCommand>());
     commands.push_back(std::make_unique<vorlane::TotpCommand>());
+    commands.push_back(std::make_unique<vorlane::HealthCommand>());
     return commands;
 }
 

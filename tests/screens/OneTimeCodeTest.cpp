@@ -5,6 +5,7 @@
 #include "QrCodeReader.h"
 #include "RunCommand.h"
 #include "ScreenFixture.h"
+#include "TerminalSession.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 #include "screens/ServiceDetailScreen.h"
@@ -12,11 +13,6 @@
 #include "util/ScopedConnection.h"
 
 #include <QImage>
-
-#include <poll.h>
-#include <pty.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
 
@@ -200,57 +196,6 @@ TEST_F(OneTimeCodeTest, TheRevealedCodeIsOathtoolsAndMovesOnAtTheEndOfItsPeriod)
     EXPECT_EQ(redraws, hidden) << "a hidden code is not redrawn";
 }
 
-// Reads from the terminal's master side until `until` has appeared or the child closed it.
-std::string readTerminal(int master, const std::string& until) {
-    std::string seen;
-    char buffer[4096];
-    while (until.empty() || seen.find(until) == std::string::npos) {
-        pollfd ready{master, POLLIN, 0};
-        if (poll(&ready, 1, 10000) <= 0) {
-            break;
-        }
-        const ssize_t got = ::read(master, buffer, sizeof buffer);
-        if (got <= 0) {
-            break;
-        }
-        seen.append(buffer, static_cast<std::size_t>(got));
-    }
-    return seen;
-}
-
-// Runs `vorlane-cli --vault VAULT ARGS...` on a new terminal, types `typed` at the first
-// "Password: " prompt (when given), and returns everything it showed and its exit status.
-std::pair<int, std::string> onTerminal(const std::vector<std::string>& arguments,
-                                       const std::string& typed) {
-    int master = -1;
-    const pid_t pid = forkpty(&master, nullptr, nullptr, nullptr);
-    if (pid == 0) {
-        std::vector<char*> argv{const_cast<char*>(VORLANE_CLI)};
-        for (const std::string& argument : arguments) {
-            argv.push_back(const_cast<char*>(argument.c_str()));
-        }
-        argv.push_back(nullptr);
-        execv(VORLANE_CLI, argv.data());
-        _exit(127);
-    }
-    std::string shown;
-    if (!typed.empty()) {
-        shown = readTerminal(master, "Password: ");
-        const std::string line = typed + "\n";
-        EXPECT_EQ(::write(master, line.data(), line.size()), static_cast<ssize_t>(line.size()));
-    }
-    shown += readTerminal(master, "");
-    int status = 0;
-    for (int tries = 0; waitpid(pid, &status, WNOHANG) == 0; ++tries) {
-        if (tries == 1000) {
-            kill(pid, SIGKILL);
-        }
-        usleep(10000);
-    }
-    ::close(master);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, shown};
-}
-
 TEST_F(OneTimeCodeTest, TheCommandLineAuthenticatesThenPrintsOathtoolsCodeAndItsSecondsLeft) {
     savedWithCode("Acme DNS", acmeUri);
     savedWithCode("Twin", acmeUri);
@@ -260,7 +205,8 @@ TEST_F(OneTimeCodeTest, TheCommandLineAuthenticatesThenPrintsOathtoolsCodeAndIts
     connectAuthentication(); // sets the PAM password the child process checks too
     const std::string vault = store().path();
 
-    const auto [status, shown] = onTerminal({"--vault", vault, "totp", "acme dns"}, userPassword);
+    const auto [status, shown] =
+        onTerminal(VORLANE_CLI, {"--vault", vault, "totp", "acme dns"}, userPassword);
     ASSERT_EQ(status, 0) << shown;
     EXPECT_NE(shown.find("Reveal one-time code for Acme DNS"), std::string::npos) << shown;
     EXPECT_EQ(shown.find(userPassword), std::string::npos) << "the password was echoed";
@@ -273,12 +219,13 @@ TEST_F(OneTimeCodeTest, TheCommandLineAuthenticatesThenPrintsOathtoolsCodeAndIts
         << printed;
 
     const auto [jsonStatus, json] =
-        onTerminal({"--vault", vault, "--json", "totp", "Acme DNS"}, userPassword);
+        onTerminal(VORLANE_CLI, {"--vault", vault, "--json", "totp", "Acme DNS"}, userPassword);
     ASSERT_EQ(jsonStatus, 0) << json;
     EXPECT_NE(json.find("{\"code\":\""), std::string::npos) << json;
     EXPECT_NE(json.find("\",\"validFor\":"), std::string::npos) << json;
 
-    const auto [wrongStatus, wrong] = onTerminal({"--vault", vault, "totp", "Acme DNS"}, "nope");
+    const auto [wrongStatus, wrong] =
+        onTerminal(VORLANE_CLI, {"--vault", vault, "totp", "Acme DNS"}, "nope");
     EXPECT_EQ(wrongStatus, 1) << wrong;
     EXPECT_NE(wrong.find("authentication failed"), std::string::npos) << wrong;
 
