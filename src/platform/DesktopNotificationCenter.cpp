@@ -246,12 +246,19 @@ std::optional<std::uint32_t> DesktopNotificationCenter::notify(const Notificatio
     };
     QDBusMessage call =
         QDBusMessage::createMethodCall(service, objectPath, interface, QStringLiteral("Notify"));
+    // The "default" action is a click on the notification itself. The other two need the running
+    // program to hear them: the timer's command, which leaves at once, does not offer them.
+    QStringList actions{QStringLiteral("default"), QStringLiteral("Open")};
+    if (m_offersActions) {
+        actions << markRenewedAction << QStringLiteral("Mark Renewed") << snoozeAction
+                << QStringLiteral("Snooze 1 Day");
+    }
     // app_name, replaces_id, app_icon, summary, body, actions, hints, expire_timeout (-1: the
-    // server's default). The "default" action is a click on the notification itself.
+    // server's default).
     call << QStringLiteral("Vorlane") << 0U << QStringLiteral(VORLANE_APP_ID)
          << QString::fromStdString(request.title)
          << (markup ? escapedForMarkup(request.body) : QString::fromStdString(request.body))
-         << QStringList{QStringLiteral("default"), QStringLiteral("Open")} << hints << -1;
+         << actions << hints << -1;
     // QDBusConnection may be called from any thread: the worker blocks here, not the window.
     QDBusConnection bus = m_bus;
     const QDBusMessage reply = bus.call(call, QDBus::Block, static_cast<int>(callTimeout.count()));
@@ -264,21 +271,23 @@ std::optional<std::uint32_t> DesktopNotificationCenter::notify(const Notificatio
 }
 
 void DesktopNotificationCenter::watchActivations() {
+    m_offersActions = true;
     m_bus.connect(service, objectPath, interface, QStringLiteral("ActionInvoked"), this,
                   SLOT(onActionInvoked(uint, QString)));
 }
 
 void DesktopNotificationCenter::onActionInvoked(uint notificationId, const QString& action) {
-    if (action != QLatin1String("default")) {
+    if (action != QLatin1String("default") && action != markRenewedAction &&
+        action != snoozeAction) {
         return;
     }
     if (const auto shown = m_shown.find(notificationId); shown != m_shown.end()) {
-        Q_EMIT activated(QString::fromStdString(shown->second));
+        report(QString::fromStdString(shown->second), action);
         return;
     }
     // Shown by the timer's command, which has left: the schedule remembers the id it was given.
     // Looked up on the worker, which may be writing the file just now.
-    enqueue([this, notificationId] {
+    enqueue([this, notificationId, action] {
         std::optional<std::string> identifier;
         {
             const ReminderSchedule::Lock lock = m_schedule.lock();
@@ -292,12 +301,22 @@ void DesktopNotificationCenter::onActionInvoked(uint notificationId, const QStri
         if (identifier) {
             QMetaObject::invokeMethod(
                 this,
-                [this, clicked = QString::fromStdString(*identifier)] {
-                    Q_EMIT activated(clicked);
+                [this, clicked = QString::fromStdString(*identifier), action] {
+                    report(clicked, action);
                 },
                 Qt::QueuedConnection);
         }
     });
+}
+
+void DesktopNotificationCenter::report(const QString& identifier, const QString& action) {
+    if (action == markRenewedAction) {
+        Q_EMIT markRenewedChosen(identifier);
+    } else if (action == snoozeAction) {
+        Q_EMIT snoozeChosen(identifier);
+    } else {
+        Q_EMIT activated(identifier);
+    }
 }
 
 } // namespace vorlane

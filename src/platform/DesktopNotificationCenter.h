@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QThreadPool>
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -67,13 +68,21 @@ public:
     // What is still to be shown, in the order it falls due.
     std::vector<NotificationRequest> pendingRequests();
 
+    // The notification actions beside a click, while the program runs.
+    static inline const QString markRenewedAction = QStringLiteral("mark-renewed");
+    static inline const QString snoozeAction = QStringLiteral("snooze");
+
     // Listens for clicks on the notifications this centre (or the timer's command) showed and
-    // reports them as `activated`; for the running program.
+    // reports them as `activated`, and from now on offers "Mark Renewed" and "Snooze 1 Day" on
+    // the notifications it shows; for the running program.
     void watchActivations();
 
 Q_SIGNALS:
     // A delivered notification was clicked; the request's identifier.
     void activated(const QString& identifier);
+    // Its "Mark Renewed" or "Snooze 1 Day" action was chosen.
+    void markRenewedChosen(const QString& identifier);
+    void snoozeChosen(const QString& identifier);
 
 private Q_SLOTS:
     void onActionInvoked(uint notificationId, const QString& action);
@@ -93,12 +102,15 @@ private:
     std::optional<std::uint32_t> notify(const NotificationRequest& request, bool markup,
                                         QString& error) const;
     void remember(const Shown& shown);
+    void report(const QString& identifier, const QString& action);
 
     ReminderSchedule m_schedule;
     QDBusConnection m_bus;
     const Clock& m_clock;
     // The notifications this process showed, by the id the service gave them.
     std::map<std::uint32_t, std::string> m_shown;
+    // Read by the worker when it shows a notification.
+    std::atomic<bool> m_offersActions = false;
     // One thread: the schedule's work runs in the order it was queued. Last, so that it is
     // waited for before anything it uses goes.
     QThreadPool m_worker;

@@ -5,6 +5,8 @@
 #include "MainWindow.h"
 #include "app/AppContext.h"
 #include "app/AppState.h"
+#include "app/ServiceActions.h"
+#include "calendar/ReminderSettings.h"
 #include "reminders/NotificationManager.h"
 #include "store/DataStore.h"
 #include "util/UserCalendar.h"
@@ -25,16 +27,38 @@ Reminders::Reminders(AppContext& context, DesktopNotificationCenter& center,
     , m_window(&window) {
     connect(&window, &MainWindow::contentShown, this, &Reminders::rebuildOncePainted);
     connect(&center, &DesktopNotificationCenter::activated, this, &Reminders::open);
+    connect(&center, &DesktopNotificationCenter::markRenewedChosen, this, &Reminders::renew);
+    connect(&center, &DesktopNotificationCenter::snoozeChosen, this, &Reminders::snooze);
     center.watchActivations();
+    // A renewed, archived, deleted or imported service must not keep its old reminders until the
+    // window is next shown: "Expiring Tomorrow" for a service renewed an hour ago is wrong.
+    m_storeChanged = ScopedConnection(context.store.changed, [this] { rebuildSoon(); });
     armDelivery();
 }
 
 Reminders::~Reminders() {
     m_context.timers.cancel(m_deliveryTimer);
+    m_context.timers.cancel(m_rebuildTimer);
 }
 
 void Reminders::rebuild() {
     m_manager.requestPermission();
+    reschedule();
+}
+
+void Reminders::rebuildSoon() {
+    // A form's save, an import or a restore notes many changes in a row: one rebuild after them.
+    m_context.timers.cancel(m_rebuildTimer);
+    m_rebuildTimer = m_context.timers.startOneShot(rebuildDelay, [this] {
+        m_rebuildTimer = 0;
+        reschedule();
+    });
+}
+
+void Reminders::reschedule() {
+    m_context.timers.cancel(m_rebuildTimer);
+    m_rebuildTimer = 0;
+    m_manager.setSettings(ReminderSettings::read(m_context.preferences));
     // Only services not archived that expire after now can have reminders. The store's expiration
     // index lists them without ordering every service by title first, which at 100,000 services
     // cost the window more than building the reminders does.
@@ -80,11 +104,30 @@ void Reminders::armDelivery() {
         });
 }
 
-void Reminders::open(const QString& identifier) {
+ServiceRecord* Reminders::serviceOf(const QString& identifier) const {
     const std::optional<Uuid> id = NotificationManager::serviceOf(identifier.toStdString());
-    ServiceRecord* service = id ? m_context.store.service(*id) : nullptr;
+    // Nothing when deleted since the reminder was scheduled.
+    return id ? m_context.store.service(*id) : nullptr;
+}
+
+void Reminders::renew(const QString& identifier) {
+    if (ServiceRecord* service = serviceOf(identifier)) {
+        // Saves, and the store's change rebuilds the schedule without the old reminders.
+        m_context.serviceActions.markRenewed(*service);
+    }
+}
+
+void Reminders::snooze(const QString& identifier) {
+    if (const ServiceRecord* service = serviceOf(identifier)) {
+        m_manager.snooze(*service, identifier.toStdString());
+        rebuildSoon();
+    }
+}
+
+void Reminders::open(const QString& identifier) {
+    ServiceRecord* service = serviceOf(identifier);
     if (service == nullptr) {
-        return; // deleted since the reminder was scheduled
+        return;
     }
     m_context.state.navigateTo(*service);
     if (m_window) {

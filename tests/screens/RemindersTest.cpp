@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The running program's reminders: the schedule rebuilt from the live services each time the
-// window's content is shown (a restore from minimised included, and only then), a reminder shown at
+// window's content is shown (a restore from minimised included) and shortly after every change to
+// the vault, under the user's reminder settings; a reminder shown at
 // its minute by the program's own tick to a notification service of the tests' own, and a click on
 // it opening the service.
 
@@ -11,9 +12,11 @@
 #include "NotificationServerProcess.h"
 #include "ReminderSchedule.h"
 #include "ScreenFixture.h"
+#include "calendar/ReminderSettings.h"
 #include "model/Organization.h"
 #include "reminders/NotificationManager.h"
 
+#include <QJsonArray>
 #include <QJsonObject>
 
 #include <chrono>
@@ -64,11 +67,13 @@ TEST_F(RemindersTest, ShowingTheWindowSchedulesTheTickDeliversOnTheMinuteAndACli
     m_server.click(static_cast<uint>(m_server.shown()[0].value("id").toInt()));
     ASSERT_TRUE(waitFor([&] { return m_state.selectedService() == &site; }));
 
-    // A new service waits for the next time the window is shown; nothing else reschedules.
+    // A new service is scheduled once the burst of changes it came in is over.
     addService(acme, "new.com",
                [this](ServiceRecord& s) { s.expirationDate = m_clock.now() + days(10); });
     store().save();
-    EXPECT_EQ(m_center.pendingRequests().size(), 1U);
+    EXPECT_EQ(m_center.pendingRequests().size(), 1U) << "not inside the change itself";
+    m_timers.advance(Reminders::rebuildDelay);
+    EXPECT_TRUE(waitFor([this] { return m_center.pendingRequests().size() == 3U; }));
     window.hide();
     window.show();
     EXPECT_TRUE(waitFor([this] { return m_center.pendingRequests().size() == 3U; }));
@@ -80,6 +85,58 @@ TEST_F(RemindersTest, ShowingTheWindowSchedulesTheTickDeliversOnTheMinuteAndACli
     window.showMinimized();
     window.showNormal();
     EXPECT_TRUE(waitFor([this] { return m_center.pendingRequests().size() == 5U; }));
+}
+
+TEST_F(RemindersTest, AtNineSevenThreeAndOneDayBeforeAndMarkRenewedFromTheReminderDropsThem) {
+    ASSERT_TRUE(m_server.ready());
+    ReminderSettings{.daysBefore = {7, 3, 1}, .minuteOfDay = ReminderSettings::offeredMinuteOfDay}
+        .write(m_preferences);
+    Organization& acme = addOrganization("Acme");
+    // Due in eight days: the 18th, a date picked in the form (midnight in New York).
+    ServiceRecord& site = addService(
+        acme, "acme.com", [](ServiceRecord& s) { s.expirationDate = utc(2026, 3, 18, 4); });
+    MainWindow window(context());
+    const Reminders reminders(context(), m_center, m_manager, window);
+    window.show();
+    ASSERT_TRUE(waitFor([this] { return m_center.pendingRequests().size() == 3U; }));
+    std::vector<Instant> due;
+    for (const NotificationRequest& request : m_center.pendingRequests()) {
+        due.push_back(request.dueMinute);
+    }
+    // 09:00 in New York, summer time: 13:00 UTC.
+    EXPECT_EQ(due, (std::vector<Instant>{utc(2026, 3, 11, 13), utc(2026, 3, 15, 13),
+                                         utc(2026, 3, 17, 13)}));
+
+    m_clock.set(utc(2026, 3, 11, 13) + seconds(20));
+    ASSERT_TRUE(m_center.deliverDue(m_clock.now()));
+    ASSERT_EQ(m_server.shown().size(), 1U);
+    const QJsonObject shown = m_server.shown()[0];
+    EXPECT_EQ(shown.value("body").toString(),
+              QStringLiteral("Your Custom Secret \"acme.com\" for Acme expires in 7 days."));
+    const QJsonArray actions = shown.value("actions").toArray();
+    EXPECT_TRUE(actions.contains("Mark Renewed") && actions.contains("mark-renewed"));
+    EXPECT_TRUE(actions.contains("Snooze 1 Day") && actions.contains("snooze"));
+
+    // Snoozed: back a day later.
+    const auto id = static_cast<uint>(shown.value("id").toInt());
+    m_server.click(id, DesktopNotificationCenter::snoozeAction);
+    // The click comes over the bus: time moves on until it has been heard and acted on.
+    ASSERT_TRUE(waitFor([this] {
+        m_timers.advance(Reminders::rebuildDelay);
+        return m_center.pendingRequests().size() == 3U;
+    }));
+    EXPECT_EQ(m_center.pendingRequests().at(0).dueMinute, utc(2026, 3, 12, 13))
+        << m_center.pendingRequests().at(0).identifier;
+
+    // Renewed from the reminder: within the minute, no reminder is left for the 18th.
+    m_server.click(id, DesktopNotificationCenter::markRenewedAction);
+    ASSERT_TRUE(waitFor([&] { return site.expirationDate != utc(2026, 3, 18, 4); }));
+    EXPECT_EQ(site.expirationDate, utc(2027, 3, 18, 4));
+    m_timers.advance(Reminders::rebuildDelay);
+    ASSERT_TRUE(waitFor([this] {
+        const auto pending = m_center.pendingRequests();
+        return pending.size() == 3U && pending[0].dueMinute > utc(2027, 1, 1);
+    }));
 }
 
 } // namespace
