@@ -4,6 +4,9 @@
 # in build-fuzz/ and runs one of them on its seed corpus.
 #   scripts/fuzz.sh                        1,000,000 inputs to the paste parser
 #   scripts/fuzz.sh bundle                 1,000,000 inputs to the export bundle reader
+#   scripts/fuzz.sh keepassxml             the same for an importer's reader: keepassxml,
+#                                          keepassxccsv, bitwardenjson, bitwardencsv,
+#                                          onepasswordcsv, lastpasscsv, spreadsheet
 #   scripts/fuzz.sh paste 5000000          as many inputs as given
 #   scripts/fuzz.sh paste -1 -max_len=1048576  extra libFuzzer options after the count (-1: no limit)
 # New inputs that reach new code go to build-fuzz/corpus-TARGET/, so the seed corpus under
@@ -12,7 +15,7 @@ set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build="$root/build-fuzz"
 target=paste
-if [[ "${1:-}" == paste || "${1:-}" == bundle ]]; then
+if [[ "${1:-}" =~ ^(paste|bundle|keepassxml|keepassxccsv|bitwardenjson|bitwardencsv|onepasswordcsv|lastpasscsv|spreadsheet)$ ]]; then
   target=$1
   shift
 fi

@@ -9,6 +9,7 @@ packages=(
   cmake ninja-build g++ pkg-config clang-format git
   # core
   libicu-dev libsqlite3-dev libssl-dev nlohmann-json3-dev libboost-dev
+  libexpat1-dev # the importer's KeePass XML reader
   # platform and ui
   qt6-base-dev libqt6svg6 qt6-qpa-plugins libsecret-1-dev libpam0g-dev libglib2.0-dev
   breeze-icon-theme hicolor-icon-theme fonts-dejavu-core
