@@ -10,11 +10,14 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QCloseEvent>
 #include <QDialog>
 #include <QKeySequence>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QShowEvent>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -291,6 +294,27 @@ void MainWindow::showSettingsWindow() {
     m_settingsWindow->show();
     m_settingsWindow->raise();
     m_settingsWindow->activateWindow();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    AppState& state = m_context.state;
+    if (state.exportKeyOnlyOnClipboard()) {
+        QMessageBox ask(QMessageBox::Warning, QStringLiteral("Quit Vorlane"),
+                        toQString(AppState::exportKeyQuitQuestion), QMessageBox::NoButton, this);
+        ask.setTextFormat(Qt::PlainText);
+        QPushButton* quit = ask.addButton(QStringLiteral("Quit"), QMessageBox::DestructiveRole);
+        QPushButton* stay = ask.addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole);
+        // A stray Return must not lose the key.
+        ask.setDefaultButton(stay);
+        ask.setEscapeButton(stay);
+        ask.exec();
+        if (ask.clickedButton() != quit) {
+            event->ignore();
+            return;
+        }
+    }
+    state.clearClipboardBeforeQuit();
+    QMainWindow::closeEvent(event);
 }
 
 void MainWindow::showEvent(QShowEvent* event) {

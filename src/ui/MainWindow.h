@@ -50,6 +50,9 @@ Q_SIGNALS:
 
 protected:
     void showEvent(QShowEvent* event) override;
+    // Closing the window quits: a copy still waiting for its clear is cleared now, and while a
+    // share's export key is only on the clipboard the person is asked first.
+    void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:

@@ -5,9 +5,13 @@
 #include "model/Organization.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QDialog>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTimer>
 
 namespace vorlane::testing {
 namespace {
@@ -24,6 +28,22 @@ protected:
         ADD_FAILURE() << "no command " << title.toStdString();
         return nullptr;
     }
+
+    // Chooses `button` in the message box that the next step opens, and notes its text.
+    void willAnswer(const QString& button) {
+        QTimer::singleShot(0, [this, button] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            ASSERT_NE(box, nullptr) << "no question was asked";
+            m_asked = box->text();
+            for (QAbstractButton* each : box->buttons()) {
+                if (each->text() == button) {
+                    each->click();
+                }
+            }
+        });
+    }
+
+    QString m_asked;
 };
 
 TEST_F(MainWindowTest, OpensOnTheDashboardAndACommandRaisesItsSheet) {
@@ -66,6 +86,43 @@ TEST_F(MainWindowTest, TheSearchFieldAndTheStateStayInStep) {
     m_state.setSearchQuery("");
     EXPECT_TRUE(window.searchField()->text().isEmpty());
     EXPECT_EQ(window.detailRoute(), DetailScreen::organizationDetail);
+}
+
+// Quitting: a copy waiting for its clear is cleared at once, text the person copied elsewhere is
+// theirs, and the export key (which the clipboard alone holds) is not lost without a question.
+TEST_F(MainWindowTest, QuittingClearsAPendingCopyAndAsksBeforeDroppingTheExportKey) {
+    {
+        MainWindow window(context());
+        window.show();
+        m_state.copyToClipboard("hunter2-pw", AppState::clipboardClearDelay);
+        command(window, QStringLiteral("Quit"))->trigger();
+        EXPECT_FALSE(window.isVisible());
+        EXPECT_EQ(clipboardText(), std::nullopt) << "cleared at quit, not 30 seconds later";
+        EXPECT_EQ(m_timers.pendingCount(), 0U);
+    }
+    {
+        MainWindow window(context());
+        window.show();
+        m_state.copyToClipboard("hunter2-pw", AppState::clipboardClearDelay);
+        m_clipboard.setText("the person's own text");
+        EXPECT_TRUE(window.close());
+        EXPECT_EQ(clipboardText(), "the person's own text");
+    }
+    MainWindow window(context());
+    window.show();
+    m_state.copyToClipboard("hunter2-pw", AppState::clipboardClearDelay);
+    m_state.copyExportKey("c2VjcmV0LWtleQ==");
+    willAnswer(QStringLiteral("Cancel"));
+    EXPECT_FALSE(window.close());
+    EXPECT_EQ(m_asked,
+              QStringLiteral("The export key is still only on the clipboard. Quit anyway?"));
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(clipboardText(), "c2VjcmV0LWtleQ==");
+
+    willAnswer(QStringLiteral("Quit"));
+    EXPECT_TRUE(window.close());
+    EXPECT_FALSE(window.isVisible());
+    EXPECT_EQ(clipboardText(), "c2VjcmV0LWtleQ==") << "the key is never cleared by the program";
 }
 
 } // namespace

@@ -46,7 +46,7 @@ protected:
     }
 
     std::unique_ptr<ShareFlow> flow() {
-        return std::make_unique<ShareFlow>(store(), m_auth, m_clipboard, m_calendar, m_acme,
+        return std::make_unique<ShareFlow>(store(), m_auth, m_state, m_calendar, m_acme,
                                            m_acme.services);
     }
 
@@ -166,6 +166,7 @@ TEST_F(ShareFlowTest, WithoutAPasswordTheKeyStaysOnTheClipboardAndTheShareIsReco
     EXPECT_EQ(key->size(), 44U);
     m_timers.advance(10min);
     EXPECT_EQ(m_clipboard.text(), key) << "the key is never cleared automatically";
+    EXPECT_TRUE(m_state.exportKeyOnlyOnClipboard()) << "quitting will ask before losing it";
 
     ASSERT_EQ(m_acme.shareHistory.size(), 1U);
     const ShareRecord& record = *m_acme.shareHistory.front();

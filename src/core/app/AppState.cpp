@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <utility>
 
 namespace vorlane {
 
@@ -106,13 +107,16 @@ void AppState::copyToClipboard(const std::string& text, double clearAfterSeconds
     m_clipboard.clear();
     m_clipboard.setText(text);
     assign(m_recentlyCopied, std::optional<std::string>(text));
-    m_timers.cancel(m_clipboardClearTimer);
+    m_timers.cancel(std::exchange(m_clipboardClearTimer, 0));
     // Zero and negative delays (and NaN) arm nothing: the text stays until something replaces it.
     if (!(clearAfterSeconds > 0.0)) {
         return;
     }
     const auto delay = std::chrono::milliseconds(std::llround(clearAfterSeconds * 1000.0));
-    m_clipboardClearTimer = m_timers.startOneShot(delay, [this] { clearIfStillOurs(); });
+    m_clipboardClearTimer = m_timers.startOneShot(delay, [this] {
+        m_clipboardClearTimer = 0;
+        clearIfStillOurs();
+    });
 }
 
 void AppState::clearIfStillOurs() {
@@ -121,6 +125,23 @@ void AppState::clearIfStillOurs() {
         m_clipboard.clear();
     }
     assign(m_recentlyCopied, std::optional<std::string>());
+}
+
+void AppState::copyExportKey(const std::string& key) {
+    m_clipboard.clear();
+    m_clipboard.setText(key);
+    m_exportKey = key;
+}
+
+bool AppState::exportKeyOnlyOnClipboard() const {
+    return m_exportKey && m_clipboard.text() == m_exportKey;
+}
+
+void AppState::clearClipboardBeforeQuit() {
+    if (m_clipboardClearTimer != 0) {
+        m_timers.cancel(std::exchange(m_clipboardClearTimer, 0));
+        clearIfStillOurs();
+    }
 }
 
 void AppState::forget(const ServiceRecord& service) {

@@ -8,6 +8,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vorlane {
@@ -89,6 +90,21 @@ public:
     // that an earlier one armed.
     void copyToClipboard(const std::string& text, double clearAfterSeconds);
 
+    // Puts a share's generated export key on the clipboard, with no clear: the clipboard is the
+    // only way the person receives it, and they may not have pasted it yet. An earlier copy's
+    // pending clear then finds the clipboard no longer ours and leaves it.
+    void copyExportKey(const std::string& key);
+
+    // Quitting. While the generated export key is still on the clipboard, the program asks
+    // `exportKeyQuitQuestion` before it quits (the person would lose the key with it).
+    static constexpr std::string_view exportKeyQuitQuestion =
+        "The export key is still only on the clipboard. Quit anyway?";
+    bool exportKeyOnlyOnClipboard() const;
+    // Runs a pending clear at once, when the clipboard still holds our copy: a password copied
+    // just before quitting must not outlive the program that was to clear it. The export key
+    // stays.
+    void clearClipboardBeforeQuit();
+
     // Drops every reference to a record that is about to be deleted (for an organization, to its
     // services too), so that nothing here points at freed memory.
     void forget(const Organization& organization);
@@ -123,7 +139,8 @@ private:
     Organization* m_shareOrganization = nullptr;
     std::vector<ServiceRecord*> m_shareServices;
     std::optional<std::string> m_recentlyCopied;
-    Timers::TimerId m_clipboardClearTimer = 0;
+    std::optional<std::string> m_exportKey; // the last one put on the clipboard
+    Timers::TimerId m_clipboardClearTimer = 0; // 0 while no clear is pending
 };
 
 } // namespace vorlane

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "screens/ShareFlow.h"
 
-#include "app/Clipboard.h"
+#include "app/AppState.h"
 #include "auth/AuthManager.h"
 #include "crypto/CryptoError.h"
 #include "crypto/CryptoManager.h"
@@ -16,12 +16,12 @@
 
 namespace vorlane {
 
-ShareFlow::ShareFlow(DataStore& store, AuthManager& auth, Clipboard& clipboard,
+ShareFlow::ShareFlow(DataStore& store, AuthManager& auth, AppState& state,
                      const UserCalendar& calendar, Organization& organization,
                      std::vector<ServiceRecord*> services)
     : m_store(store)
     , m_auth(auth)
-    , m_clipboard(clipboard)
+    , m_state(state)
     , m_calendar(calendar)
     , m_organization(organization)
     , m_services(std::move(services)) {
@@ -211,8 +211,7 @@ void ShareFlow::exportAuthenticated(const ChooseFile& chooseFile, const WriteFil
         if (sealed.value().key) {
             // The only way the recipient's key reaches the user: it stays on the clipboard,
             // without the automatic clear that other copies get.
-            m_clipboard.clear();
-            m_clipboard.setText(*sealed.value().key);
+            m_state.copyExportKey(*sealed.value().key);
         }
     }
     // Recorded also when the file dialog was cancelled: the user did decide to share.

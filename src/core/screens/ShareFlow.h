@@ -18,7 +18,7 @@
 namespace vorlane {
 
 class AuthManager;
-class Clipboard;
+class AppState;
 class DataStore;
 struct Organization;
 struct ServiceRecord;
@@ -39,9 +39,8 @@ public:
     using WriteFile = std::function<std::optional<std::string>(const std::string& path,
                                                                const std::string& bytes)>;
 
-    ShareFlow(DataStore& store, AuthManager& auth, Clipboard& clipboard,
-              const UserCalendar& calendar, Organization& organization,
-              std::vector<ServiceRecord*> services);
+    ShareFlow(DataStore& store, AuthManager& auth, AppState& state, const UserCalendar& calendar,
+              Organization& organization, std::vector<ServiceRecord*> services);
     ~ShareFlow();
     ShareFlow(const ShareFlow&) = delete;
     ShareFlow& operator=(const ShareFlow&) = delete;
@@ -113,7 +112,7 @@ private:
 
     DataStore& m_store;
     AuthManager& m_auth;
-    Clipboard& m_clipboard;
+    AppState& m_state;
     const UserCalendar& m_calendar;
     Organization& m_organization;
     std::vector<ServiceRecord*> m_services;
