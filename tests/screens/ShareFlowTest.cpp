@@ -7,6 +7,7 @@
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 #include "model/ShareRecord.h"
+#include "components/StrengthMeter.h"
 #include "screens/ShareSheet.h"
 #include "util/Decimal.h"
 
@@ -275,6 +276,49 @@ TEST_F(ShareFlowTest, TheSheetShowsAFailedWriteAndLeavesNoFile) {
     EXPECT_TRUE(sheet.isVisible());
     EXPECT_TRUE(m_acme.shareHistory.empty());
     EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+// Exports are sealed with a key derived from the password without a work factor, so a short or
+// guessable password is warned about; the export itself is still allowed.
+TEST_F(ShareFlowTest, AShortOrGuessablePasswordIsWarnedAbout) {
+    auto share = flow();
+    EXPECT_EQ(share->passwordStrength(), std::nullopt);
+    EXPECT_EQ(share->passwordWarning(), std::nullopt) << "no password: key-based encryption";
+    for (const char* weak : {"x", "tq8#Vz!mR2p", "Summer2025!!", "passwordpassword!"}) {
+        share->password = weak;
+        ASSERT_TRUE(share->passwordStrength().has_value());
+        EXPECT_EQ(share->passwordWarning(), std::string(ShareFlow::weakPasswordWarning)) << weak;
+    }
+    share->password = "tq8#Vz!mR2pL";
+    EXPECT_EQ(share->passwordWarning(), std::nullopt);
+    EXPECT_NE(share->passwordStrength()->level, PasswordStrength::Level::weak);
+}
+
+TEST_F(ShareFlowTest, TheSheetShowsTheMeterAndTheWarningUnderThePassword) {
+    ShareSheet sheet(context(), m_acme, m_acme.services);
+    sheet.show();
+    tickFirstAndGoOn(sheet);
+    auto* meter = childNamed<StrengthMeter>(sheet, QStringLiteral("Password strength"));
+    ASSERT_NE(meter, nullptr);
+    EXPECT_FALSE(meter->isVisible()) << "no password field while secrets are off";
+    for (QCheckBox* box : sheet.findChildren<QCheckBox*>()) {
+        if (box->text() == QStringLiteral("Include secrets (passwords, API keys)")) {
+            box->setChecked(true);
+        }
+    }
+    const QString warning = QString::fromLatin1(ShareFlow::weakPasswordWarning);
+    auto* field = childNamed<QLineEdit>(sheet, QStringLiteral("Export password"));
+    QTest::keyClicks(field, QStringLiteral("summer2025"));
+    EXPECT_TRUE(meter->isVisible());
+    ASSERT_TRUE(meter->estimate().has_value());
+    EXPECT_EQ(meter->estimate()->level, PasswordStrength::Level::weak);
+    EXPECT_TRUE(showsLabel(sheet, warning));
+    EXPECT_TRUE(
+        showsLabel(sheet, QString::fromStdString(PasswordStrength::summary(*meter->estimate()))));
+
+    QTest::keyClicks(field, QStringLiteral("-tq8#Vz!mR2pL"));
+    EXPECT_NE(meter->estimate()->level, PasswordStrength::Level::weak);
+    EXPECT_FALSE(showsLabel(sheet, warning));
 }
 
 } // namespace

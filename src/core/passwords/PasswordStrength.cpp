@@ -311,4 +311,8 @@ std::string PasswordStrength::summary(const Estimate& estimate) {
            std::to_string(static_cast<long long>(std::floor(estimate.log10Guesses))) + " guesses";
 }
 
+double PasswordStrength::meterFraction(const Estimate& estimate) {
+    return std::clamp(estimate.log10Guesses / 20, 0.0, 1.0);
+}
+
 } // namespace vorlane

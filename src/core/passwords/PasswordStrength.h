@@ -39,6 +39,9 @@ public:
     static std::string levelText(Level level);
     // The level and the guesses in words: "Fair: about 10^12 guesses".
     static std::string summary(const Estimate& estimate);
+    // How full a meter of the estimate is, from 0 to 1: full at 10^20 guesses, so that a weak
+    // password stays under half.
+    static double meterFraction(const Estimate& estimate);
 };
 
 } // namespace vorlane

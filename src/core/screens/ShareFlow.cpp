@@ -96,6 +96,20 @@ std::vector<std::pair<std::string, std::string>> ShareFlow::summaryRows() const 
     };
 }
 
+std::optional<PasswordStrength::Estimate> ShareFlow::passwordStrength() const {
+    if (password.empty()) {
+        return std::nullopt;
+    }
+    return PasswordStrength::estimate(password);
+}
+
+std::optional<std::string> ShareFlow::passwordWarning() const {
+    if (password.empty() || PasswordStrength::suitsEncryption(password)) {
+        return std::nullopt;
+    }
+    return weakPasswordWarning;
+}
+
 void ShareFlow::back() {
     if (m_step == Step::confirm) {
         m_step = Step::configure;

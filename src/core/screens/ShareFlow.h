@@ -2,6 +2,7 @@
 #pragma once
 
 #include "model/ShareMethod.h"
+#include "passwords/PasswordStrength.h"
 #include "share/ExportPayload.h"
 #include "util/Instant.h"
 #include "util/Uuid.h"
@@ -73,6 +74,14 @@ public:
     // Kept when the field is hidden again (secrets switched off): still used by the export.
     std::string password;
     bool showsPasswordField() const { return options.includeSecrets; }
+    // The meter under the field, while it holds a password.
+    std::optional<PasswordStrength::Estimate> passwordStrength() const;
+    // The bundle key is derived from the password without a work factor, so whoever holds the
+    // file can try guesses very fast: warned while the password is shorter than 12 characters
+    // or weak. A warning only; the user may still export.
+    std::optional<std::string> passwordWarning() const;
+    static constexpr const char* weakPasswordWarning =
+        "This password can be guessed quickly. Use a longer one or key-based encryption.";
 
     // Confirm.
     std::vector<std::pair<std::string, std::string>> summaryRows() const;

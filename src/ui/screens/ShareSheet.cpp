@@ -8,6 +8,7 @@
 #include "components/PlainText.h"
 #include "components/SheetFrame.h"
 #include "components/StepIndicator.h"
+#include "components/StrengthMeter.h"
 #include "components/TintedIcon.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
@@ -66,7 +67,7 @@ QDate localDate(Instant instant) {
 ShareSheet::ShareSheet(AppContext& context, Organization& organization,
                        std::vector<ServiceRecord*> services, QWidget* parent)
     : QDialog(parent)
-    , m_flow(context.store, context.auth, context.state, context.calendar, organization,
+    , m_flow(context.store, context.auth, context.clipboard, context.calendar, organization,
              std::move(services))
     , m_frame(*this, toQString(m_flow.title()), SheetFrame::CloseButton::shown)
     , m_indicator(new StepIndicator(
@@ -264,10 +265,24 @@ QWidget* ShareSheet::createConfigureStep() {
     m_password->setPlaceholderText(QStringLiteral("Export password (recommended)"));
     m_password->setAccessibleName(QStringLiteral("Export password"));
     m_passwordLabel->setBuddy(m_password);
-    connect(m_password, &QLineEdit::textChanged, this,
-            [this](const QString& text) { m_flow.password = toStdString(text); });
+    m_passwordMeter = new StrengthMeter;
+    m_passwordStrength = new QLabel;
+    m_passwordStrength->setForegroundRole(QPalette::PlaceholderText);
+    m_passwordWarning = new QLabel(QString::fromLatin1(ShareFlow::weakPasswordWarning));
+    m_passwordWarning->setWordWrap(true);
+    QPalette red = m_passwordWarning->palette();
+    red.setColor(QPalette::WindowText,
+                 PaletteColor::foreground(PaletteColor::color(Palette::Color::red, red), red));
+    m_passwordWarning->setPalette(red);
+    connect(m_password, &QLineEdit::textChanged, this, [this](const QString& text) {
+        m_flow.password = toStdString(text);
+        refresh();
+    });
     protection->addWidget(m_passwordLabel, 2, 0, 1, 2);
     protection->addWidget(m_password, 3, 0, 1, 2);
+    protection->addWidget(m_passwordMeter, 4, 0, 1, 2);
+    protection->addWidget(m_passwordStrength, 5, 0, 1, 2);
+    protection->addWidget(m_passwordWarning, 6, 0, 1, 2);
     protection->setColumnStretch(1, 1);
     layout->addWidget(protectionBox);
     layout->addStretch();
@@ -373,6 +388,14 @@ void ShareSheet::refresh() {
     m_expires->setVisible(m_flow.hasExpiration);
     m_passwordLabel->setVisible(m_flow.showsPasswordField());
     m_password->setVisible(m_flow.showsPasswordField());
+    const std::optional<PasswordStrength::Estimate> strength = m_flow.passwordStrength();
+    m_passwordMeter->setEstimate(strength);
+    m_passwordMeter->setVisible(m_flow.showsPasswordField());
+    m_passwordStrength->setText(strength ? toQString(PasswordStrength::summary(*strength))
+                                         : QString());
+    m_passwordStrength->setVisible(m_flow.showsPasswordField() && strength.has_value());
+    m_passwordWarning->setVisible(m_flow.showsPasswordField() &&
+                                  m_flow.passwordWarning().has_value());
     m_secretsNotice->setVisible(m_flow.showsSecretsNotice());
     const std::optional<std::string>& error = m_flow.exportError();
     m_errorNotice->setVisible(error.has_value());

@@ -22,6 +22,7 @@ namespace vorlane {
 
 struct AppContext;
 class StepIndicator;
+class StrengthMeter;
 
 // The share sheet: draws a ShareFlow step by step. The bundle is written through PrivateFile:
 // owner-only, and a failed write leaves no partial file behind.
@@ -62,6 +63,9 @@ private:
     QLabel* m_expiresLabel = nullptr;
     QLineEdit* m_password = nullptr;
     QLabel* m_passwordLabel = nullptr;
+    StrengthMeter* m_passwordMeter = nullptr;
+    QLabel* m_passwordStrength = nullptr;
+    QLabel* m_passwordWarning = nullptr;
     QGridLayout* m_summary = nullptr;
     QFrame* m_secretsNotice = nullptr;
     QFrame* m_errorNotice = nullptr;
