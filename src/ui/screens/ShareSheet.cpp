@@ -67,7 +67,7 @@ QDate localDate(Instant instant) {
 ShareSheet::ShareSheet(AppContext& context, Organization& organization,
                        std::vector<ServiceRecord*> services, QWidget* parent)
     : QDialog(parent)
-    , m_flow(context.store, context.auth, context.clipboard, context.calendar, organization,
+    , m_flow(context.store, context.auth, context.state, context.calendar, organization,
              std::move(services))
     , m_frame(*this, toQString(m_flow.title()), SheetFrame::CloseButton::shown)
     , m_indicator(new StepIndicator(
