@@ -4,10 +4,10 @@
 #include "RunCommand.h"
 #include "ScreenFixture.h"
 #include "WidgetLookup.h"
+#include "components/StrengthMeter.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 #include "model/ShareRecord.h"
-#include "components/StrengthMeter.h"
 #include "screens/ShareSheet.h"
 #include "util/Decimal.h"
 
@@ -15,6 +15,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QStyledItemDelegate>
 
 #include <fstream>
 
@@ -80,6 +81,20 @@ protected:
         ASSERT_NE(list, nullptr);
         list->item(0)->setCheckState(Qt::Checked);
         ASSERT_TRUE(press(sheet, QStringLiteral("Next")));
+    }
+
+    // Where the list draws a row's check box, laid out as its delegate lays out the row.
+    static QRect checkBoxOf(QListWidget& list, int row) {
+        struct RowLayout : QStyledItemDelegate {
+            using QStyledItemDelegate::initStyleOption;
+        } layout;
+        QStyleOptionViewItem option;
+        option.initFrom(list.viewport());
+        option.widget = &list;
+        option.rect = list.visualItemRect(list.item(row));
+        option.decorationSize = list.iconSize();
+        layout.initStyleOption(&option, list.model()->index(row, 0));
+        return list.style()->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, &list);
     }
 
     Organization& m_acme;
@@ -319,6 +334,41 @@ TEST_F(ShareFlowTest, TheSheetShowsTheMeterAndTheWarningUnderThePassword) {
     QTest::keyClicks(field, QStringLiteral("-tq8#Vz!mR2pL"));
     EXPECT_NE(meter->estimate()->level, PasswordStrength::Level::weak);
     EXPECT_FALSE(showsLabel(sheet, warning));
+}
+
+// A click on a row's box or its text, or Space on the current row, ticks it once; a second
+// click unticks it.
+TEST_F(ShareFlowTest, AClickOnTheBoxOrTheRowOrSpaceTogglesTheServiceOnce) {
+    ShareSheet sheet(context(), m_acme, m_acme.services);
+    sheet.show();
+    auto* list = sheet.findChild<QListWidget*>();
+    ASSERT_NE(list, nullptr);
+    const ShareFlow& share = sheet.flow();
+
+    const QPoint box = checkBoxOf(*list, 0).center();
+    ASSERT_TRUE(list->visualItemRect(list->item(0)).contains(box));
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, box);
+    EXPECT_TRUE(share.isSelected(*m_mail));
+    EXPECT_EQ(list->item(0)->checkState(), Qt::Checked);
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, box);
+    EXPECT_FALSE(share.isSelected(*m_mail));
+
+    const QRect row = list->visualItemRect(list->item(1));
+    const QPoint text(row.right() - 40, row.center().y());
+    ASSERT_FALSE(checkBoxOf(*list, 1).contains(text));
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, text);
+    EXPECT_TRUE(share.isSelected(*m_odd));
+    EXPECT_EQ(list->item(1)->checkState(), Qt::Checked);
+
+    list->setFocus();
+    list->setCurrentRow(0);
+    QTest::keyClick(list, Qt::Key_Space);
+    EXPECT_TRUE(share.isSelected(*m_mail));
+    EXPECT_TRUE(share.isSelected(*m_odd));
+    EXPECT_EQ(share.selectedCountText(), "2 selected");
+    QTest::keyClick(list, Qt::Key_Space);
+    EXPECT_FALSE(share.isSelected(*m_mail));
+    EXPECT_TRUE(buttonTitled(sheet, QStringLiteral("Next"))->isEnabled());
 }
 
 } // namespace

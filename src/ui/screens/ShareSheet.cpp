@@ -10,6 +10,7 @@
 #include "components/StepIndicator.h"
 #include "components/StrengthMeter.h"
 #include "components/TintedIcon.h"
+#include "components/ToggleOnClickDelegate.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 #include "util/PrivateFile.h"
@@ -119,6 +120,8 @@ QWidget* ShareSheet::createSelectStep() {
     m_serviceList->setAccessibleName(QStringLiteral("Services to share"));
     m_serviceList->setIconSize(QSize(24, 24));
     m_serviceList->setSpacing(2);
+    // A click anywhere on a row, or Space on the current one, toggles it once.
+    m_serviceList->setItemDelegate(new ToggleOnClickDelegate(m_serviceList));
     for (const ServiceRecord* service : m_flow.services()) {
         const ServiceType type = service->serviceType();
         const QColor tint =
@@ -139,10 +142,6 @@ QWidget* ShareSheet::createSelectStep() {
             m_flow.toggle(service);
             refresh();
         }
-    });
-    // A click anywhere on the row toggles it, not only on the box.
-    connect(m_serviceList, &QListWidget::itemClicked, this, [](QListWidgetItem* item) {
-        item->setCheckState(item->checkState() == Qt::Checked ? Qt::Unchecked : Qt::Checked);
     });
     layout->addWidget(m_serviceList, 1);
 
