@@ -5,8 +5,10 @@
 
 #include "VaultFixture.h"
 #include "money/ReportPeriod.h"
+#include "screens/CostReportExport.h"
 
 #include <chrono>
+#include <filesystem>
 
 namespace vorlane::testing {
 namespace {
@@ -147,6 +149,30 @@ TEST_F(CostReportTest, TheCsvHasTheNamedColumnsEveryServiceButTheArchivedAndATot
     // The sums are the organization's own figures, as the screens show them.
     EXPECT_EQ(report.totals().monthlyCost, m_store->monthlyCost(acme));
     EXPECT_EQ(report.totals().yearlyCost, m_store->yearlyCost(acme));
+}
+
+TEST_F(CostReportTest, TheExportSheetNamesTheFileAndWritesTheCsvWhole) {
+    Organization& acme = addOrganization("Acme/West");
+    service(acme, "Site", BillingCycle::monthly, "5", "0", std::nullopt);
+    const CostReportExport sheet(*m_store, acme, m_calendar);
+    std::string error;
+    const std::optional<ReportPeriod> year =
+        sheet.period(CostReportExport::thisYearChoice, {}, {}, error);
+    ASSERT_TRUE(year);
+    EXPECT_EQ(sheet.suggestedFileName(*year, "pdf"),
+              "Acme-West cost report 2025-01-01 to 2025-12-31.pdf");
+    EXPECT_FALSE(sheet.period(CostReportExport::customChoice,
+                              *ReportPeriod::parseDate("2025-03-02"),
+                              *ReportPeriod::parseDate("2025-03-01"), error));
+    EXPECT_EQ(error, "The end date is before the start date");
+
+    const std::string path = m_folder + "/report.csv";
+    EXPECT_EQ(sheet.writeCsv(*year, path), std::nullopt);
+    EXPECT_EQ(fileBytes(path), CostReport(*m_store, acme, *year, m_calendar).csv());
+    const std::optional<std::string> failed = sheet.writeCsv(*year, m_folder + "/none/r.csv");
+    ASSERT_TRUE(failed);
+    EXPECT_NE(failed->find("Could not write " + m_folder + "/none/r.csv"), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(m_folder + "/none/r.csv.part"));
 }
 
 } // namespace

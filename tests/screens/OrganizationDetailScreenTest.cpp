@@ -153,6 +153,9 @@ TEST_F(OrganizationDetailScreenTest, ExpensesAndRenewalsCoverThePaidAndTheDatedS
     EXPECT_EQ(expenses.rows[2].monthlyCost, "$0") << "paid once: listed, but nothing a month";
     EXPECT_EQ(expenses.totals[0].value, "$25");
     EXPECT_EQ(expenses.totals[1].value, "$470");
+    ASSERT_EQ(expenses.paid.size(), 2U);
+    EXPECT_EQ(expenses.paid[0].accessibleText(), "Paid This Year: $0.00");
+    EXPECT_EQ(expenses.paid[1].accessibleText(), "Paid Last Year: $0.00");
 
     const Detail::Renewals renewals = screen.renewals();
     std::vector<std::string> bands;
@@ -165,9 +168,12 @@ TEST_F(OrganizationDetailScreenTest, ExpensesAndRenewalsCoverThePaidAndTheDatedS
                                                "This Week 1 $15 Monthly 5 days left",
                                                "Later 1 $10 Biennial 40 days left"}));
 
-    // Renewed through the shared action (ServiceActionsTest): a month on, it moves to "Later".
+    // Renewed through the shared action (ServiceActionsTest): a month on, it moves to "Later",
+    // and the month it paid counts as paid this year.
     screen.markRenewed(monthly);
     EXPECT_EQ(screen.renewals().bands.at(1).title, "Later");
+    EXPECT_EQ(screen.expenses().paid[0].value, "$15.00");
+    EXPECT_EQ(screen.expenses().paid[1].value, "$0.00");
 }
 
 TEST_F(OrganizationDetailScreenTest, NotesAreSavedAsTheyAreTyped) {

@@ -7,6 +7,7 @@
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 #include "model/ShareRecord.h"
+#include "money/CostReport.h"
 #include "store/DataStore.h"
 #include "util/CurrencyFormat.h"
 #include "util/DateText.h"
@@ -190,6 +191,16 @@ OrganizationDetailScreen::Expenses OrganizationDetailScreen::expenses() const {
         {"Yearly Total", currencyFormatted(m_organization.yearlyCost()), "calendar",
          Palette::Color::purple},
     };
+    for (const auto& [title, preset] :
+         {std::pair{"Paid This Year", ReportPeriod::Preset::thisYear},
+          std::pair{"Paid Last Year", ReportPeriod::Preset::lastYear}}) {
+        if (const std::optional<ReportPeriod> period = ReportPeriod::preset(preset, m_calendar)) {
+            const CostReport report(m_store, m_organization, *period, m_calendar);
+            content.paid.push_back(
+                {title, currencyFormatted(report.totals().paidInPeriod, {}, CurrencyDigits::all),
+                 "checkmark.circle", Palette::Color::green});
+        }
+    }
     std::vector<std::pair<Decimal, ServiceRecord*>> paid;
     for (ServiceRecord* service : servicesByTitle()) {
         // A service counts as paid when either amount was entered, whatever its cycle.

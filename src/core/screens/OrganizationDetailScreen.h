@@ -91,6 +91,8 @@ public:
 
     struct Expenses {
         std::vector<StatCard> totals; // "Monthly Total", "Yearly Total"
+        // "Paid This Year", "Paid Last Year": the payments recorded, as the cost report sums them
+        std::vector<StatCard> paid;
         std::vector<ExpenseRow> rows; // paid services, costliest first
         std::optional<EmptyState> emptyState;
     };

@@ -14,6 +14,7 @@
 #include "components/ServiceContextMenu.h"
 #include "components/StatCardView.h"
 #include "model/ServiceRecord.h"
+#include "screens/CostReportSheet.h"
 #include "screens/DetailRowDelegate.h"
 #include "screens/DetailRowModel.h"
 #include "store/DataStore.h"
@@ -112,18 +113,23 @@ OrganizationDetailView::OrganizationDetailView(AppContext& context, Organization
 
     auto* edit = actionButton("pencil", QStringLiteral("Edit"));
     auto* share = actionButton("square.and.arrow.up", QStringLiteral("Share"));
+    auto* costReport = actionButton("doc.text.magnifyingglass", toQString(CostReportExport::title));
     auto* addService = actionButton("plus.circle", QStringLiteral("Add Service"));
     auto* smartPaste = actionButton("doc.on.clipboard", QStringLiteral("Smart Paste"));
     m_favorite->setCheckable(true);
     connect(m_favorite, &QToolButton::clicked, this, [this] { m_screen.toggleFavorite(); });
     connect(edit, &QToolButton::clicked, this, [this] { m_screen.edit(); });
     connect(share, &QToolButton::clicked, this, [this] { m_screen.share(); });
+    connect(costReport, &QToolButton::clicked, this, [this] {
+        CostReportSheet sheet(m_context, m_screen.organization(), this);
+        sheet.exec();
+    });
     connect(m_archive, &QToolButton::clicked, this, [this] { m_screen.archiveOrRestore(); });
     connect(addService, &QToolButton::clicked, this, [this] { m_screen.addService(); });
     connect(smartPaste, &QToolButton::clicked, this, [this] { m_screen.smartPaste(); });
     auto* actions = new QHBoxLayout;
     actions->setSpacing(6);
-    for (QToolButton* button : {m_favorite, edit, share, m_archive}) {
+    for (QToolButton* button : {m_favorite, edit, share, costReport, m_archive}) {
         actions->addWidget(button);
     }
     actions->addStretch();
@@ -359,6 +365,7 @@ void OrganizationDetailView::showTab() {
         if (tab == OrgDetailTab::expenses) {
             auto content = m_screen.expenses();
             totals = content.totals;
+            totals.insert(totals.end(), content.paid.begin(), content.paid.end());
             empty = content.emptyState;
             for (const auto& row : content.rows) {
                 DetailRowModel::Row r;
