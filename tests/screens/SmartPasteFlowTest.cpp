@@ -110,6 +110,69 @@ TEST_F(SmartPasteFlowTest, SavingStoresTheRecordAsParsedAndThePasswordOnlyInTheK
     }
 }
 
+// A welcome mail with more secrets than the one password the parser takes.
+const std::string mailWithSecrets = "Your VPS is ready.\n"
+                                    "Server IP: 203.0.113.42\n"
+                                    "Root password: Vx7#qLm2pT-unique\n"
+                                    "Backup password: Bk-77f3-zz91-q\n"
+                                    "API token: tok_live_8d7Hq2Lx55\n"
+                                    "Keyboard layout: German\n"
+                                    "monitoringApiKey = mon-4f1e-990a\n"
+                                    "Port: 2222\n";
+
+TEST_F(SmartPasteFlowTest, SecretLinesOfTheNotesGoToTheKeyringAsTheAPIKeyNotToTheVaultFile) {
+    Organization& acme = addOrganization("Acme");
+    SmartPasteFlow flow = flowFor(&acme);
+    flow.setRawText(mailWithSecrets);
+    flow.parse();
+    const std::vector<SmartPasteFlow::SecretLine> secrets = flow.secretLines();
+    ASSERT_EQ(secrets.size(), 3U) << flow.parsed()->notes;
+    EXPECT_EQ(secrets[0].label, "Backup password");
+    EXPECT_EQ(secrets[1].label, "API token");
+    EXPECT_EQ(secrets[2].label, "monitoringApiKey");
+    for (const SmartPasteFlow::SecretLine& secret : secrets) {
+        EXPECT_TRUE(secret.storeAsAPIKey) << secret.line;
+    }
+
+    ServiceRecord* saved = flow.save();
+    ASSERT_NE(saved, nullptr);
+    EXPECT_EQ(store().getPassword(*saved), "Vx7#qLm2pT-unique");
+    EXPECT_EQ(store().getAPIKey(*saved), "Backup password: Bk-77f3-zz91-q\n"
+                                         "API token: tok_live_8d7Hq2Lx55\n"
+                                         "monitoringApiKey = mon-4f1e-990a");
+    EXPECT_EQ(saved->notes, "Your VPS is ready.\nKeyboard layout: German");
+
+    const std::string vault = m_folder.filePath(QStringLiteral("vault.sqlite")).toStdString();
+    // The file and its write-ahead log, where the saved notes are until a checkpoint.
+    const std::string bytes = readFile(vault) + readFile(vault + "-wal");
+    EXPECT_NE(bytes.find("Keyboard layout: German"), std::string::npos);
+    for (const char* secret : {"Bk-77f3-zz91-q", "tok_live_8d7Hq2Lx55", "mon-4f1e-990a"}) {
+        EXPECT_EQ(bytes.find(secret), std::string::npos) << secret;
+    }
+}
+
+TEST_F(SmartPasteFlowTest, ALineKeptInNotesStaysThereAndANewParseForgetsTheChoice) {
+    Organization& acme = addOrganization("Acme");
+    SmartPasteFlow flow = flowFor(&acme);
+    flow.setRawText(mailWithSecrets);
+    flow.parse();
+    flow.setStoreAsAPIKey("API token: tok_live_8d7Hq2Lx55", false);
+    EXPECT_FALSE(flow.secretLines()[1].storeAsAPIKey);
+    flow.back();
+    flow.parse();
+    EXPECT_TRUE(flow.secretLines()[1].storeAsAPIKey);
+
+    flow.setStoreAsAPIKey("Backup password: Bk-77f3-zz91-q", false);
+    flow.setStoreAsAPIKey("monitoringApiKey = mon-4f1e-990a", false);
+    // Lines typed into the notes during review count as they are now.
+    flow.editableParsed()->notes += "\nSupport pin: 7731";
+    ServiceRecord* saved = flow.save();
+    ASSERT_NE(saved, nullptr);
+    EXPECT_EQ(store().getAPIKey(*saved), "API token: tok_live_8d7Hq2Lx55\nSupport pin: 7731");
+    EXPECT_EQ(saved->notes, "Your VPS is ready.\nBackup password: Bk-77f3-zz91-q\n"
+                            "Keyboard layout: German\nmonitoringApiKey = mon-4f1e-990a");
+}
+
 TEST_F(SmartPasteFlowTest, APortThatIsNotANumberAndAnEmptyPasswordStoreNothing) {
     Organization& acme = addOrganization("Acme");
     SmartPasteFlow flow = flowFor(&acme);

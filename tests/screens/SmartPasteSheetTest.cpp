@@ -4,6 +4,7 @@
 #include "ScreenFixture.h"
 #include "WidgetLookup.h"
 #include "model/Organization.h"
+#include "model/ServiceRecord.h"
 
 #include <QClipboard>
 #include <QComboBox>
@@ -55,6 +56,42 @@ TEST_F(SmartPasteSheetTest, APersonPastesReviewsChoosesTheClientAndSaves) {
     EXPECT_EQ(sheet.flow().step(), SmartPasteFlow::Step::done);
     ASSERT_EQ(acme.services.size(), 1U);
     EXPECT_EQ(store().getPassword(*acme.services.front()), "pw-123");
+}
+
+// Each secret line of the notes gets its own choice, stored as the API key unless the person
+// picks "Keep in Notes"; a secret line typed into the notes gets one too.
+TEST_F(SmartPasteSheetTest, TheReviewOffersAChoiceForEverySecretLineOfTheNotes) {
+    Organization& acme = addOrganization("Acme");
+    SmartPasteSheet sheet(context(), &acme);
+    sheet.show();
+    pastedText(sheet)->setPlainText(QStringLiteral("Host: files.example\nPassword: pw-123\n"
+                                                   "Backup password: bk-456\nAPI key: ak-789\n"));
+    QTest::mouseClick(buttonTitled(sheet, QStringLiteral("Parse")), Qt::LeftButton);
+    ASSERT_EQ(sheet.flow().step(), SmartPasteFlow::Step::review);
+    EXPECT_TRUE(showsLabel(sheet, QString::fromLatin1(SmartPasteFlow::secretsHeading)));
+    auto* backup = childNamed<QComboBox>(sheet, QStringLiteral("Backup password"));
+    auto* apiKey = childNamed<QComboBox>(sheet, QStringLiteral("API key"));
+    ASSERT_TRUE(backup != nullptr && apiKey != nullptr);
+    EXPECT_EQ(backup->currentText(), QStringLiteral("Store as API Key"));
+    EXPECT_EQ(apiKey->currentText(), QStringLiteral("Store as API Key"));
+
+    backup->setFocus();
+    QTest::keyClick(backup, Qt::Key_Down);
+    EXPECT_EQ(backup->currentText(), QStringLiteral("Keep in Notes"));
+    QPlainTextEdit* notes = childNamed<QPlainTextEdit>(sheet, QStringLiteral("Notes"));
+    ASSERT_NE(notes, nullptr);
+    QTest::keyClick(notes, Qt::Key_End, Qt::ControlModifier);
+    QTest::keyClick(notes, Qt::Key_Return);
+    QTest::keyClicks(notes, QStringLiteral("Door PIN: 7731"));
+    ASSERT_NE(childNamed<QComboBox>(sheet, QStringLiteral("Door PIN")), nullptr);
+    EXPECT_EQ(childNamed<QComboBox>(sheet, QStringLiteral("Backup password"))->currentText(),
+              QStringLiteral("Keep in Notes"));
+
+    QTest::mouseClick(buttonTitled(sheet, QStringLiteral("Save Credential")), Qt::LeftButton);
+    ASSERT_EQ(acme.services.size(), 1U);
+    const ServiceRecord& saved = *acme.services.front();
+    EXPECT_EQ(store().getAPIKey(saved), "API key: ak-789\nDoor PIN: 7731");
+    EXPECT_EQ(saved.notes, "Backup password: bk-456");
 }
 
 TEST_F(SmartPasteSheetTest, AHugePasteIsParsedOffTheMainThreadAndApplied) {

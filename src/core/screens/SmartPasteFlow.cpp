@@ -13,6 +13,8 @@
 #include <unicode/locid.h>
 #include <unicode/unistr.h>
 
+#include <algorithm>
+#include <array>
 #include <memory>
 
 namespace vorlane {
@@ -33,6 +35,74 @@ std::size_t graphemeCount(const std::string& text) {
         ++count;
     }
     return count;
+}
+
+// Whether one word of a label, in lower case, names a secret.
+bool namesSecret(std::string_view word) {
+    static constexpr std::array<std::string_view, 8> secretWords{
+        "password", "passwd", "pwd", "pin", "token", "secret", "key", "api"};
+    auto isSecretWord = [](std::string_view part) {
+        return std::find(secretWords.begin(), secretWords.end(), part) != secretWords.end();
+    };
+    if (isSecretWord(word) ||
+        (word.ends_with('s') && isSecretWord(word.substr(0, word.size() - 1)))) {
+        return true;
+    }
+    for (std::size_t split = 1; split < word.size(); ++split) {
+        if (isSecretWord(word.substr(0, split)) && isSecretWord(word.substr(split))) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// The label of a notes line: the text before its first ":" or "=", when a value follows.
+std::optional<std::string_view> labelOf(std::string_view line) {
+    const std::size_t separator = line.find_first_of(":=");
+    if (separator == std::string_view::npos || isBlank(line.substr(separator + 1))) {
+        return std::nullopt;
+    }
+    return trimmed(line.substr(0, separator));
+}
+
+// Words of a label: runs of ASCII letters, also cut where a lower-case letter meets an upper-case
+// one ("apiToken"), in lower case.
+std::vector<std::string> wordsOf(std::string_view label) {
+    std::vector<std::string> words;
+    std::string word;
+    char previous = 0;
+    for (const char c : label) {
+        const bool upper = c >= 'A' && c <= 'Z';
+        const bool letter = upper || (c >= 'a' && c <= 'z');
+        if (!letter || (upper && previous >= 'a' && previous <= 'z')) {
+            if (!word.empty()) {
+                words.push_back(std::move(word));
+                word.clear();
+            }
+        }
+        if (letter) {
+            word += upper ? static_cast<char>(c - 'A' + 'a') : c;
+        }
+        previous = c;
+    }
+    if (!word.empty()) {
+        words.push_back(std::move(word));
+    }
+    return words;
+}
+
+std::vector<std::string> notesLines(std::string_view notes) {
+    std::vector<std::string> lines;
+    std::size_t start = 0;
+    while (start <= notes.size()) {
+        std::size_t end = notes.find('\n', start);
+        if (end == std::string_view::npos) {
+            end = notes.size();
+        }
+        lines.emplace_back(trimmed(notes.substr(start, end - start)));
+        start = end + 1;
+    }
+    return lines;
 }
 
 } // namespace
@@ -81,6 +151,37 @@ std::vector<Organization*> SmartPasteFlow::organizations() const {
     return m_store.fetchOrganizations(/*includeArchived=*/true);
 }
 
+std::vector<SmartPasteFlow::SecretLine> SmartPasteFlow::secretLines() const {
+    std::vector<SecretLine> lines;
+    if (!m_parsed) {
+        return lines;
+    }
+    for (std::string& line : notesLines(m_parsed->notes)) {
+        const std::optional<std::string_view> label = labelOf(line);
+        if (!label) {
+            continue;
+        }
+        const std::vector<std::string> words = wordsOf(*label);
+        if (std::none_of(words.begin(), words.end(), namesSecret) ||
+            std::any_of(lines.begin(), lines.end(),
+                        [&line](const SecretLine& seen) { return seen.line == line; })) {
+            continue;
+        }
+        const bool store = !m_keptInNotes.contains(line);
+        std::string labelText(*label);
+        lines.push_back({std::move(line), std::move(labelText), store});
+    }
+    return lines;
+}
+
+void SmartPasteFlow::setStoreAsAPIKey(const std::string& line, bool store) {
+    if (store) {
+        m_keptInNotes.erase(line);
+    } else {
+        m_keptInNotes.insert(line);
+    }
+}
+
 std::optional<std::string> SmartPasteFlow::detectedDateText() const {
     if (!m_parsed || !m_parsed->detectedDate) {
         return std::nullopt;
@@ -121,6 +222,7 @@ bool SmartPasteFlow::applyParse(const std::string& parsedFrom, ParsedCredential 
         return false;
     }
     m_parsed = std::move(parsed);
+    m_keptInNotes.clear();
     m_step = Step::review;
     return true;
 }
@@ -148,14 +250,38 @@ ServiceRecord* SmartPasteFlow::save() {
     record.emailAddress = parsed.email;
     record.port = parsed.portNumber();
     record.expirationDate = parsed.detectedDate;
-    record.notes = parsed.notes;
+    std::set<std::string> toStore;
+    for (const SecretLine& secret : secretLines()) {
+        if (secret.storeAsAPIKey) {
+            toStore.insert(secret.line);
+        }
+    }
+    std::string apiKey;
+    std::string notes;
+    for (const std::string& line : notesLines(parsed.notes)) {
+        std::string& into = toStore.contains(line) ? apiKey : notes;
+        if (!line.empty()) {
+            into += into.empty() ? "" : "\n";
+            into += line;
+        }
+    }
+    record.notes = apiKey.empty() ? parsed.notes : notes;
     if (!parsed.password.empty()) {
         record.secretKeychainID = ServiceRecord::makeSecretKeychainID();
+    }
+    if (!apiKey.empty()) {
+        record.apiKeyKeychainID = ServiceRecord::makeAPIKeyKeychainID();
     }
     ServiceRecord& saved = m_store.insert(std::move(record), *m_selectedOrg);
     if (!parsed.password.empty()) {
         // A refusal leaves the record without a stored password; the credential is still kept.
         m_store.setPassword(parsed.password, saved);
+    }
+    if (!apiKey.empty() && !m_store.setAPIKey(apiKey, saved)) {
+        // Not written anywhere yet: back into the notes, so that nothing pasted is lost.
+        saved.notes = parsed.notes;
+        saved.apiKeyKeychainID.clear();
+        m_store.noteChanged(saved);
     }
     m_store.save();
     m_step = Step::done;

@@ -4,6 +4,7 @@
 #include "paste/ParsedCredential.h"
 
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -57,6 +58,27 @@ public:
     // What the organization picker offers after "Select...": every organization, by name.
     std::vector<Organization*> organizations() const;
 
+    // Notes lines whose label (the text before the first ":" or "=") names a secret: a word of
+    // it is password, passwd, pwd, pin, token, secret, key or api, a plural of one, or two of
+    // them run together ("apiKey"). The parser leaves a second password or an API token in the
+    // notes, which the vault file holds and shows unmasked; each such line is offered to be
+    // stored as the service's API key in the secret store instead, which is the default. Read
+    // from the notes as they are now, in their order; a line that appears twice is one entry.
+    struct SecretLine {
+        std::string line;  // trimmed, as in the notes
+        std::string label; // the part before the separator, trimmed
+        bool storeAsAPIKey;
+    };
+    std::vector<SecretLine> secretLines() const;
+    // "Store as API Key" (true) or "Keep in Notes" (false) for the line with this text.
+    void setStoreAsAPIKey(const std::string& line, bool store);
+    static constexpr const char* secretsHeading = "Secrets in Notes";
+    static constexpr const char* secretsExplanation =
+        "These lines look like secrets. Stored as an API key they are kept in the keyring, not "
+        "in the vault's notes.";
+    static constexpr const char* storeAsAPIKeyTitle = "Store as API Key";
+    static constexpr const char* keepInNotesTitle = "Keep in Notes";
+
     // "Detected Date" value; nothing when no date was detected.
     std::optional<std::string> detectedDateText() const;
 
@@ -73,8 +95,10 @@ public:
     // Review back to paste, keeping the text and the parsed credential.
     void back();
     // "Save Credential": the new service, inserted, its password stored (a refusal of the
-    // secret store does not stop the save), the vault saved, the done step. Nothing when the
-    // button is disabled.
+    // secret store does not stop the save), the secret lines chosen for it stored as its API
+    // key (one per line, in notes order) and taken out of its notes, the vault saved, the done
+    // step. Should the secret store refuse the API key, those lines stay in the notes rather
+    // than being lost. Nothing when the button is disabled.
     ServiceRecord* save();
 
 private:
@@ -84,6 +108,8 @@ private:
     Organization* m_selectedOrg;
     std::string m_rawText;
     std::optional<ParsedCredential> m_parsed;
+    // Secret lines the user chose to keep in the notes; every other one is stored as API key.
+    std::set<std::string> m_keptInNotes;
     Step m_step = Step::paste;
 };
 

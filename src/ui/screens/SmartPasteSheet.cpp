@@ -182,6 +182,7 @@ QWidget* SmartPasteSheet::createReviewStep() {
                 if (ParsedCredential* parsed = m_flow.editableParsed()) {
                     parsed->*member = toStdString(m_notes->toPlainText());
                     mark->setVisible(!(parsed->*member).empty());
+                    fillSecretLines();
                 }
             });
             addRow(toQString(field.label), m_notes, mark);
@@ -201,6 +202,12 @@ QWidget* SmartPasteSheet::createReviewStep() {
         m_fieldEdits.push_back(edit);
         addRow(toQString(field.label), edit, mark);
     }
+
+    m_secretLines = new QWidget;
+    m_secretLines->setLayout(new QVBoxLayout);
+    m_secretLines->layout()->setContentsMargins(0, 8, 0, 8);
+    m_secretLines->hide();
+    grid->addWidget(m_secretLines, row++, 0, 1, 3);
 
     m_detectedDate = PlainText::label();
     m_detectedDateLabel = addRow(QStringLiteral("Detected Date"), m_detectedDate);
@@ -321,6 +328,9 @@ void SmartPasteSheet::fillReview() {
         m_fieldChecks[i]->setVisible(!value.isEmpty());
     }
 
+    m_shownSecretLines.clear();
+    fillSecretLines();
+
     const std::optional<std::string> date = m_flow.detectedDateText();
     m_detectedDateLabel->setVisible(date.has_value());
     m_detectedDate->setVisible(date.has_value());
@@ -344,6 +354,59 @@ void SmartPasteSheet::fillReview() {
     refresh();
     (m_flow.selectedOrg() == nullptr ? static_cast<QWidget*>(m_organization) : m_fieldEdits[0])
         ->setFocus();
+}
+
+// Rebuilt only when the notes' secret lines change, so that typing elsewhere in the notes keeps
+// the choices as they are shown.
+void SmartPasteSheet::fillSecretLines() {
+    const std::vector<SmartPasteFlow::SecretLine> secrets = m_flow.secretLines();
+    std::vector<std::string> lines;
+    for (const SmartPasteFlow::SecretLine& secret : secrets) {
+        lines.push_back(secret.line);
+    }
+    if (lines == m_shownSecretLines) {
+        return;
+    }
+    m_shownSecretLines = lines;
+    // One content widget, made afresh: deleting it takes its labels and choices with it.
+    QLayout* container = m_secretLines->layout();
+    while (QLayoutItem* item = container->takeAt(0)) {
+        delete item->widget();
+        delete item;
+    }
+    m_secretLines->setVisible(!secrets.empty());
+    if (secrets.empty()) {
+        return;
+    }
+    auto* content = new QWidget;
+    auto* column = new QVBoxLayout(content);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(headline(QString::fromLatin1(SmartPasteFlow::secretsHeading), 1.0));
+    auto* explanation = new QLabel(QString::fromLatin1(SmartPasteFlow::secretsExplanation));
+    explanation->setWordWrap(true);
+    explanation->setForegroundRole(QPalette::PlaceholderText);
+    column->addWidget(explanation);
+    auto* rows = new QGridLayout;
+    rows->setColumnStretch(0, 1);
+    for (int i = 0; i < static_cast<int>(secrets.size()); ++i) {
+        const SmartPasteFlow::SecretLine& secret = secrets[static_cast<std::size_t>(i)];
+        // The label only: the value is a secret, and the notes field above shows it already.
+        auto* label = new QLabel(toQString(secret.label));
+        label->setTextFormat(Qt::PlainText);
+        auto* choice = new QComboBox;
+        choice->addItem(QString::fromLatin1(SmartPasteFlow::storeAsAPIKeyTitle));
+        choice->addItem(QString::fromLatin1(SmartPasteFlow::keepInNotesTitle));
+        choice->setCurrentIndex(secret.storeAsAPIKey ? 0 : 1);
+        choice->setAccessibleName(toQString(secret.label));
+        label->setBuddy(choice);
+        connect(choice, &QComboBox::activated, this, [this, line = secret.line](int index) {
+            m_flow.setStoreAsAPIKey(line, index == 0);
+        });
+        rows->addWidget(label, i, 0);
+        rows->addWidget(choice, i, 1);
+    }
+    column->addLayout(rows);
+    container->addWidget(content);
 }
 
 void SmartPasteSheet::refresh() {

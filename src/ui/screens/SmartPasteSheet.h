@@ -40,6 +40,7 @@ private:
     void runMainAction();
     void startParse();
     void fillReview();
+    void fillSecretLines();
     void refresh();
 
     AppContext& m_context;
@@ -56,6 +57,8 @@ private:
     std::vector<QLineEdit*> m_fieldEdits; // in SmartPasteFlow::fields() order, but Notes
     std::vector<QLabel*> m_fieldChecks;   // likewise, Notes included
     QPlainTextEdit* m_notes = nullptr;
+    QWidget* m_secretLines = nullptr;
+    std::vector<std::string> m_shownSecretLines;
     QLabel* m_detectedDateLabel = nullptr;
     QLabel* m_detectedDate = nullptr;
     QWidget* m_detectedTypes = nullptr;
