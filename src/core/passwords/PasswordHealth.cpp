@@ -123,12 +123,19 @@ PasswordHealth::check(const DataStore& store, KeychainManager& keychain, Instant
     if (!values) {
         return std::nullopt;
     }
+    return fromSecrets(services, *values, now);
+}
+
+PasswordHealth::Findings
+PasswordHealth::fromSecrets(const std::vector<ServiceRecord*>& services,
+                            std::unordered_map<std::string, std::vector<std::uint8_t>>& values,
+                            Instant now) {
     const Digester digester;
     std::vector<Entry> entries;
-    entries.reserve(values->size());
+    entries.reserve(values.size());
     const auto take = [&](const ServiceRecord& service, const std::string& account, Kind kind) {
-        const auto found = values->find(account);
-        if (account.empty() || found == values->end()) {
+        const auto found = values.find(account);
+        if (account.empty() || found == values.end()) {
             return;
         }
         SecretBytes& bytes = found->second;
@@ -149,7 +156,7 @@ PasswordHealth::check(const DataStore& store, KeychainManager& keychain, Instant
         take(*service, service->apiKeyKeychainID, Kind::apiKey);
     }
     // Anything read but not taken (an identifier two services share) is wiped too.
-    for (auto& [account, bytes] : *values) {
+    for (auto& [account, bytes] : values) {
         OPENSSL_cleanse(bytes.data(), bytes.size());
     }
     return evaluate(entries, {services.begin(), services.end()}, now);

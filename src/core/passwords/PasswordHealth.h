@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace vorlane {
@@ -64,6 +65,12 @@ public:
     // evaluates them; nothing when the secret store could not be read (locked, unreachable).
     static std::optional<Findings> check(const DataStore& store, KeychainManager& keychain,
                                          Instant now);
+
+    // The findings over `services` and their secrets as read (keyed by secret-store account):
+    // each secret is digested, rated and wiped in `secrets`. What `check` does once it has read.
+    static Findings fromSecrets(const std::vector<ServiceRecord*>& services,
+                                std::unordered_map<std::string, std::vector<std::uint8_t>>& secrets,
+                                Instant now);
 
     // The findings over entries already digested; `services` are those checked, for the ones
     // without a password. Pure: the benchmark's and the tests' way in.
