@@ -21,6 +21,8 @@ packages=(
   poppler-utils
   dbus dbus-daemon dbus-bin gnome-keyring libpam-wrapper libpam-modules
   xvfb xauth sqlite3
+  # tests only: libical, a strict RFC 5545 parser, reads the renewals calendar back
+  libical-dev
   # checks of the desktop entry and the AppStream file; the Debian package (dpkg-shlibdeps, file)
   desktop-file-utils appstream dpkg-dev file
   # the manual pages written from the programs' --help; lintian's check of the package; zsh to
