@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // vorlane-cli: the vault from a terminal, for scripts, demos and the recipient of an export.
 
+#include "CalendarCommand.h"
 #include "CliCommand.h"
 #include "DemoCommand.h"
 #include "ExpiredCommand.h"
@@ -35,6 +36,7 @@ std::vector<std::unique_ptr<CliCommand>> makeCommands() {
     commands.push_back(std::make_unique<vorlane::ImportCommand>());
     commands.push_back(std::make_unique<vorlane::ExpiringCommand>());
     commands.push_back(std::make_unique<vorlane::ExpiredCommand>());
+    commands.push_back(std::make_unique<vorlane::CalendarCommand>());
     commands.push_back(std::make_unique<vorlane::TotalsCommand>());
     commands.push_back(std::make_unique<vorlane::ReportCommand>());
     commands.push_back(std::make_unique<vorlane::TotpCommand>());
