@@ -75,7 +75,7 @@ PasswordGeneratorPopup::PasswordGeneratorPopup(AppContext& context, QWidget* par
          {std::pair{CharacterClass::upperCase, QStringLiteral("Upper case (A–Z)")},
           std::pair{CharacterClass::lowerCase, QStringLiteral("Lower case (a–z)")},
           std::pair{CharacterClass::digits, QStringLiteral("Digits (0–9)")},
-          std::pair{CharacterClass::symbols, QStringLiteral("Symbols (!#$%&*+-=?@^_~)")}}) {
+          std::pair{CharacterClass::symbols, QStringLiteral("Symbols (!#$%&&*+-=?@^_~)")}}) {
         auto* box = new QCheckBox(text);
         const CharacterClass chosen = characterClass;
         connect(box, &QCheckBox::toggled, this, [this, chosen](bool on) {
