@@ -104,8 +104,8 @@ TEST_F(OrganizationFormTest, AnEditStartedFromTheMenuUpdatesInPlaceAndACancelled
 }
 
 TEST_F(OrganizationFormTest, TheLogoIsStoredByteForByteAndAnUnreadableFileChangesNothing) {
-    // A large "image": the bytes are kept as they are, whatever they hold.
-    QByteArray large(6 * 1024 * 1024, '\0');
+    // A large "image" within the limit: the bytes are kept as they are, whatever they hold.
+    QByteArray large(5 * 1024 * 1024, '\0');
     for (qsizetype i = 0; i < large.size(); ++i) {
         large[i] = static_cast<char>(i * 7 % 251);
     }
@@ -114,9 +114,11 @@ TEST_F(OrganizationFormTest, TheLogoIsStoredByteForByteAndAnUnreadableFileChange
 
     OrganizationForm sheet = form();
     sheet.name = "Logo Co";
-    ASSERT_TRUE(sheet.chooseLogo(path));
-    EXPECT_FALSE(sheet.chooseLogo(m_folder.filePath(QStringLiteral("missing.png")).toStdString()));
-    EXPECT_FALSE(sheet.chooseLogo(m_folder.path().toStdString()));
+    ASSERT_TRUE(sheet.chooseLogo(path, std::nullopt));
+    EXPECT_FALSE(sheet.chooseLogo(m_folder.filePath(QStringLiteral("missing.png")).toStdString(),
+                                  std::nullopt));
+    EXPECT_FALSE(sheet.chooseLogo(m_folder.path().toStdString(), std::nullopt));
+    EXPECT_EQ(sheet.logoError(), "");
     ASSERT_TRUE(sheet.logoData);
     EXPECT_EQ(*sheet.logoData, expected);
     sheet.save();
@@ -136,6 +138,34 @@ TEST_F(OrganizationFormTest, TheLogoIsStoredByteForByteAndAnUnreadableFileChange
     reopenedStore = reopened();
     ASSERT_TRUE(reopenedStore);
     EXPECT_FALSE(reopenedStore->logo(*reopenedStore->fetchOrganizations(true).at(0)));
+}
+
+TEST_F(OrganizationFormTest, ALogoOverFiveMegabytesOr4096PixelsASideIsRefusedWithAMessage) {
+    OrganizationForm sheet = form();
+    const std::string small = writeFile(QStringLiteral("small.png"), QByteArray("png"));
+    ASSERT_TRUE(sheet.chooseLogo(small, OrganizationForm::PixelSize{4096, 4096}));
+    const std::vector<std::uint8_t> kept = *sheet.logoData;
+
+    const auto refused = [&](const std::string& path,
+                             std::optional<OrganizationForm::PixelSize> size,
+                             const std::string& message) {
+        SCOPED_TRACE(path);
+        EXPECT_FALSE(sheet.chooseLogo(path, size));
+        EXPECT_EQ(sheet.logoError(), message);
+        EXPECT_EQ(sheet.logoData, kept) << "the logo chosen before stays";
+    };
+    const std::string fileMessage = "This logo is larger than 5 MB. Choose a smaller image.";
+    refused(writeFile(QStringLiteral("big.png"), QByteArray(5 * 1024 * 1024 + 1, 'x')),
+            std::nullopt, fileMessage);
+    // No size to go by: read to one byte past the limit, never to the end.
+    refused("/dev/zero", std::nullopt, fileMessage);
+    const std::string pixelMessage =
+        "This logo is larger than 4096 × 4096 pixels. Choose a smaller image.";
+    refused(small, OrganizationForm::PixelSize{4097, 10}, pixelMessage);
+    refused(small, OrganizationForm::PixelSize{10, 100000}, pixelMessage);
+
+    ASSERT_TRUE(sheet.chooseLogo(small, std::nullopt));
+    EXPECT_EQ(sheet.logoError(), "") << "the next choice clears the message";
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "MainWindow.h"
 #include "ScreenFixture.h"
+#include "components/OrgAvatar.h"
 #include "components/RowListView.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
@@ -9,6 +10,8 @@
 #include "screens/OrganizationFormSheet.h"
 #include "screens/OrganizationGridView.h"
 
+#include <QImage>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -68,6 +71,37 @@ TEST_F(OrganizationViewsTest, TheSheetKeepsItsButtonDisabledForABlankNameAndSave
     EXPECT_EQ(sheet.result(), QDialog::Accepted);
     ASSERT_EQ(store().fetchOrganizations(true).size(), 1U);
     EXPECT_EQ(store().fetchOrganizations(true)[0]->tags, (std::vector<std::string>{"web", "vip"}));
+}
+
+// Real image files: the sheet reads the pixel size from the file, shows the form's refusal, and
+// a logo is decoded no larger than any avatar draws it.
+TEST_F(OrganizationViewsTest, TheSheetRefusesAnOversizedLogoAndAvatarsDecodeLogosScaledDown) {
+    const QString wide = m_folder.filePath(QStringLiteral("wide.png"));
+    ASSERT_TRUE(QImage(4097, 2, QImage::Format_RGB32).save(wide));
+    const QString large = m_folder.filePath(QStringLiteral("large.png"));
+    QImage image(1000, 500, QImage::Format_RGB32);
+    image.fill(Qt::darkCyan);
+    ASSERT_TRUE(image.save(large));
+
+    OrganizationFormSheet sheet(context());
+    sheet.show();
+    sheet.chooseLogo(wide);
+    EXPECT_FALSE(sheet.form().logoData.has_value());
+    EXPECT_TRUE(sheet.logoErrorLabel()->isVisible());
+    EXPECT_EQ(
+        sheet.logoErrorLabel()->text(),
+        QStringLiteral("This logo is larger than 4096 × 4096 pixels. Choose a smaller image."));
+    sheet.chooseLogo(large);
+    ASSERT_TRUE(sheet.form().logoData.has_value());
+    EXPECT_FALSE(sheet.logoErrorLabel()->isVisible());
+    QTest::keyClicks(sheet.nameField(), QStringLiteral("Logo Co"));
+    QTest::keyClick(sheet.nameField(), Qt::Key_Return);
+    ASSERT_EQ(store().fetchOrganizations(true).size(), 1U);
+
+    const QImage decoded = OrgAvatar::logo(store(), *store().fetchOrganizations(true)[0]);
+    EXPECT_EQ(decoded.size(),
+              QSize(OrgAvatar::largestDecodedSide * 2, OrgAvatar::largestDecodedSide))
+        << "the shorter side at the largest avatar's size, the proportions kept";
 }
 
 TEST_F(OrganizationViewsTest, TheDetailTabsFollowTheNavigationStateAndNotesAreSavedAsTyped) {

@@ -58,7 +58,8 @@ bool OrganizationForm::canSave() const {
     return !trimmed(name).empty();
 }
 
-bool OrganizationForm::chooseLogo(const std::string& path) {
+bool OrganizationForm::chooseLogo(const std::string& path, std::optional<PixelSize> pixels) {
+    m_logoError.clear();
     // A directory opens as a stream on Linux and only fails on reading.
     std::error_code error;
     if (std::filesystem::is_directory(path, error)) {
@@ -68,9 +69,26 @@ bool OrganizationForm::chooseLogo(const std::string& path) {
     if (!file) {
         return false;
     }
-    std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(file),
-                                    std::istreambuf_iterator<char>()};
+    const auto tooLarge = [this] {
+        m_logoError = "This logo is larger than 5 MB. Choose a smaller image.";
+        return false;
+    };
+    const std::uintmax_t size = std::filesystem::file_size(path, error);
+    if (!error && size > largestLogoFile) {
+        return tooLarge();
+    }
+    // Read one byte beyond the limit at most: a file that is not a regular one has no size.
+    std::vector<std::uint8_t> bytes(largestLogoFile + 1);
+    file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     if (file.bad()) {
+        return false;
+    }
+    bytes.resize(static_cast<std::size_t>(file.gcount()));
+    if (bytes.size() > largestLogoFile) {
+        return tooLarge();
+    }
+    if (pixels && (pixels->width > largestLogoSide || pixels->height > largestLogoSide)) {
+        m_logoError = "This logo is larger than 4096 × 4096 pixels. Choose a smaller image.";
         return false;
     }
     logoData = std::move(bytes);

@@ -45,9 +45,22 @@ public:
     // False while the name, trimmed, is empty.
     bool canSave() const;
 
-    // Takes the whole file's bytes as the logo, unchanged and of any size. A file that cannot be
-    // read changes nothing and gives false.
-    bool chooseLogo(const std::string& path);
+    // Limits of a logo: beyond them a file is refused rather than kept in the vault and decoded
+    // on every repaint (a hostile image can ask for gigabytes once decoded).
+    static constexpr std::uintmax_t largestLogoFile = 5 * 1024 * 1024;
+    static constexpr int largestLogoSide = 4096;
+    struct PixelSize {
+        int width = 0;
+        int height = 0;
+    };
+
+    // Takes the whole file's bytes as the logo, unchanged. `pixels` is the image's size as the
+    // caller read it from the file's header; nothing when it is not an image the caller knows
+    // (the bytes are still kept, and show as no logo). A file that cannot be read, one over
+    // 5 MiB and an image over 4096 pixels on a side change nothing and give false; the last two
+    // set `logoError`, which the next choice clears.
+    bool chooseLogo(const std::string& path, std::optional<PixelSize> pixels);
+    const std::string& logoError() const { return m_logoError; }
     void removeLogo() { logoData.reset(); }
 
     // Creates the organization, or writes the fields into the target, and saves; name and project
@@ -63,6 +76,7 @@ private:
     AppState& m_state;
     const UserCalendar& m_calendar;
     Organization* m_editTarget;
+    std::string m_logoError;
 };
 
 } // namespace vorlane

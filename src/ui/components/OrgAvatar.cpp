@@ -5,9 +5,11 @@
 #include "model/Organization.h"
 #include "store/DataStore.h"
 
+#include <QBuffer>
 #include <QCache>
 #include <QCryptographicHash>
 #include <QFont>
+#include <QImageReader>
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPainterPath>
@@ -47,10 +49,24 @@ QImage OrgAvatar::logo(DataStore& store, Organization& organization) {
     if (const QImage* cached = decodedLogos().object(key)) {
         return *cached;
     }
-    // fromData copies what it decodes, so the raw view of the record's bytes is not kept.
-    QImage image = QImage::fromData(data);
+    // Filling the square crops the longer side, so the shorter one is what must stay sharp.
+    QImage image =
+        decode(data, QSize(largestDecodedSide, largestDecodedSide), Qt::KeepAspectRatioByExpanding);
     decodedLogos().insert(key, new QImage(image));
     return image;
+}
+
+QImage OrgAvatar::decode(const QByteArray& bytes, const QSize& bound, Qt::AspectRatioMode mode) {
+    // The buffer holds its own copy: a raw view of the record's bytes is not kept past this.
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer);
+    const QSize size = reader.size();
+    if (size.isValid() && (size.width() > bound.width() || size.height() > bound.height())) {
+        reader.setScaledSize(size.scaled(bound, mode).boundedTo(size));
+    }
+    return reader.read();
 }
 
 void OrgAvatar::paint(QPainter& painter, const QRectF& rect, const QImage& logo,

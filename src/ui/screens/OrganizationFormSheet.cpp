@@ -4,6 +4,7 @@
 #include "QtText.h"
 #include "SymbolIcon.h"
 #include "app/AppContext.h"
+#include "components/OrgAvatar.h"
 
 #include <QCheckBox>
 #include <QFileDialog>
@@ -63,6 +64,7 @@ OrganizationFormSheet::OrganizationFormSheet(AppContext& context, QWidget* paren
     , m_form(context.store, context.state, context.calendar)
     , m_preview(new QLabel)
     , m_removeLogo(new QPushButton(QStringLiteral("Remove")))
+    , m_logoError(new QLabel)
     , m_name(nullptr)
     , m_tags(nullptr)
     , m_save(new QPushButton(toQString(m_form.saveButtonTitle()))) {
@@ -151,6 +153,10 @@ OrganizationFormSheet::OrganizationFormSheet(AppContext& context, QWidget* paren
     bodyLayout->setContentsMargins(24, 24, 24, 24);
     bodyLayout->setSpacing(12);
     bodyLayout->addLayout(logoRow);
+    m_logoError->setTextFormat(Qt::PlainText);
+    m_logoError->setWordWrap(true);
+    m_logoError->hide();
+    bodyLayout->addWidget(m_logoError);
     bodyLayout->addLayout(fields);
     bodyLayout->addStretch();
     auto* scroll = new QScrollArea;
@@ -200,22 +206,30 @@ void OrganizationFormSheet::pickLogo() {
 }
 
 void OrganizationFormSheet::chooseLogo(const QString& path) {
-    if (m_form.chooseLogo(toStdString(path))) {
+    std::optional<OrganizationForm::PixelSize> pixels;
+    if (const QSize size = QImageReader(path).size(); size.isValid()) {
+        pixels = OrganizationForm::PixelSize{size.width(), size.height()};
+    }
+    if (m_form.chooseLogo(toStdString(path), pixels)) {
         updateLogo();
     }
+    m_logoError->setText(toQString(m_form.logoError()));
+    m_logoError->setVisible(!m_form.logoError().empty());
 }
 
 void OrganizationFormSheet::updateLogo() {
-    QPixmap logo;
+    QImage logo;
     if (m_form.logoData) {
-        logo.loadFromData(m_form.logoData->data(), static_cast<uint>(m_form.logoData->size()));
+        logo = OrgAvatar::decode(
+            QByteArray::fromRawData(reinterpret_cast<const char*>(m_form.logoData->data()),
+                                    static_cast<qsizetype>(m_form.logoData->size())),
+            QSize(previewSize, previewSize) * devicePixelRatioF(), Qt::KeepAspectRatio);
     }
     if (logo.isNull()) {
         // No logo, or bytes that are not an image (kept as they are): the placeholder.
         m_preview->setPixmap(SymbolIcon::icon("photo.badge.plus").pixmap(32, 32));
     } else {
-        QPixmap scaled = logo.scaled(QSize(previewSize, previewSize) * devicePixelRatioF(),
-                                     Qt::KeepAspectRatio, Qt::SmoothTransformation);
+        QPixmap scaled = QPixmap::fromImage(logo);
         scaled.setDevicePixelRatio(devicePixelRatioF());
         m_preview->setPixmap(scaled);
     }

@@ -30,8 +30,11 @@ public:
     QLineEdit* nameField() const { return m_name; }
     QLineEdit* tagsField() const { return m_tags; }
 
-    // What "Choose Logo..." does once a file is picked; an unreadable file changes nothing.
+    // What "Choose Logo..." does once a file is picked: its pixel size is read from the header
+    // alone (nothing decoded) for the form's limits. An unreadable file changes nothing; one
+    // beyond the limits shows why under the logo.
     void chooseLogo(const QString& path);
+    QLabel* logoErrorLabel() const { return m_logoError; }
 
 private:
     void pickLogo();
@@ -41,6 +44,7 @@ private:
     OrganizationForm m_form;
     QLabel* m_preview;
     QPushButton* m_removeLogo;
+    QLabel* m_logoError;
     QLineEdit* m_name;
     QLineEdit* m_tags;
     QPushButton* m_save;
