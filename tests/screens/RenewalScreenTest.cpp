@@ -17,6 +17,7 @@
 #include "util/CurrencyFormat.h"
 
 #include <QLabel>
+#include <QPushButton>
 
 #include <chrono>
 
@@ -246,6 +247,12 @@ TEST_F(RenewalScreenTest, WidgetInTheWindowRenewsByButtonAndKeyAndOpensByReturn)
     ASSERT_TRUE(waitFor([&] { return *older.expirationDate > now; }));
     EXPECT_EQ(m_state.selectedService(), nullptr) << "the button renews, it does not open";
     ASSERT_TRUE(waitFor([&] { return view->countLabel()->text() == QStringLiteral("1 item(s)"); }));
+
+    // The bar above the list says what the renewal recorded (a service of no cost: nothing).
+    ASSERT_TRUE(waitFor([&] { return view->noticeLabel()->isVisible(); }));
+    EXPECT_EQ(view->noticeLabel()->text(),
+              QStringLiteral("Renewed until Mar 1, 2027 \u2014 $0.00 recorded"));
+    EXPECT_EQ(view->editAmountButton()->text(), QStringLiteral("Edit Amount"));
 
     list->setFocus();
     list->setCurrentIndex(list->model()->index(1, 0));

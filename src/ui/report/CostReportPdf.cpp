@@ -29,9 +29,11 @@ QString money(const Decimal& amount) {
     return text(currencyFormatted(amount, {}, CurrencyDigits::all));
 }
 
+// Amounts are right-aligned and never broken over two lines.
 QString cell(const QString& content, bool right = false) {
     return QStringLiteral("<td%1>%2</td>")
-        .arg(right ? QStringLiteral(" align=\"right\"") : QString(), content);
+        .arg(right ? QStringLiteral(" align=\"right\" style=\"white-space: nowrap\"") : QString(),
+             content);
 }
 
 QString html(const CostReport& report, bool hasLogo) {
@@ -116,6 +118,8 @@ bool CostReportPdf::write(const CostReport& report,
         // Letter where paper is measured in inches, A4 everywhere else.
         const bool letter = QLocale().measurementSystem() == QLocale::ImperialUSSystem;
         writer.setPageSize(QPageSize(letter ? QPageSize::Letter : QPageSize::A4));
+        // Ten columns need the width of a landscape page.
+        writer.setPageOrientation(QPageLayout::Landscape);
         writer.setPageMargins(QMarginsF(15, 15, 15, 15), QPageLayout::Millimeter);
         writer.setResolution(300);
 
@@ -126,7 +130,7 @@ bool CostReportPdf::write(const CostReport& report,
                                  image);
         }
         QFont font = document.defaultFont();
-        font.setPointSizeF(9);
+        font.setPointSizeF(8);
         document.setDefaultFont(font);
         document.setHtml(html(report, !image.isNull()));
 
