@@ -8,6 +8,7 @@
 #include "TerminalSession.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
+#include "screens/PasswordHealthScreen.h"
 
 #include <libsecret/secret.h>
 #include <nlohmann/json.hpp>
@@ -114,6 +115,47 @@ TEST_F(PasswordHealthTest, DigestsAreKeyedPerReportAndALockedKeyringGivesNoRepor
     g_object_unref(collection);
     g_object_unref(service);
     EXPECT_EQ(PasswordHealth::check(store(), m_keychain, m_clock.now()), std::nullopt);
+}
+
+TEST_F(PasswordHealthTest, TheViewShowsNothingUntilAuthenticatedThenSectionsThatOpenServices) {
+    plantVault();
+    connectAuthentication();
+    PasswordHealthScreen screen(context(), m_keychain);
+    EXPECT_FALSE(screen.hasReport());
+    EXPECT_EQ(screen.findingsCount(), std::nullopt);
+    EXPECT_TRUE(screen.sections().empty());
+
+    m_person.willCancel();
+    screen.authenticate();
+    ASSERT_TRUE(waitFor([&] { return m_person.closedPrompts == 1; }));
+    QTest::qWait(50);
+    EXPECT_FALSE(screen.hasReport()) << "a refusal reads nothing";
+
+    m_person.willType(userPassword);
+    screen.authenticate();
+    ASSERT_TRUE(waitFor([&] { return screen.hasReport(); }));
+    EXPECT_EQ(m_person.requests.back().reason, "Authenticate to check your passwords");
+    EXPECT_EQ(screen.countsText(), "Reused: 3  Weak: 2  Old: 1  Without a password: 2");
+    EXPECT_EQ(screen.findingsCount(), 8U);
+    const auto sections = screen.sections();
+    std::vector<std::string> titles;
+    for (const auto& section : sections) {
+        titles.push_back(section.title);
+    }
+    EXPECT_EQ(titles,
+              (std::vector<std::string>{"Reused Secret 1 (3 uses)", "Weak",
+                                        "Unchanged for More Than a Year", "Without a Password"}));
+    const auto& first = sections[0].rows[0];
+    EXPECT_EQ(first.title, "Deploy key");
+    EXPECT_EQ(first.subtitle, "Beta · API key");
+    EXPECT_EQ(sections[2].rows[0].subtitle, "Acme");
+
+    screen.open(first);
+    ASSERT_NE(m_state.selectedService(), nullptr);
+    EXPECT_EQ(m_state.selectedService()->title, "Deploy key");
+    screen.clear();
+    EXPECT_FALSE(screen.hasReport());
+    EXPECT_EQ(screen.countsText(), "");
 }
 
 TEST_F(PasswordHealthTest, TheCommandLineAuthenticatesThenListsTheFindings) {
