@@ -158,12 +158,12 @@ ServiceFormSheet::ServiceFormSheet(AppContext& context, QWidget* parent)
                  createSecretRow(SecretKind::password, QStringLiteral("Password")));
     form->addRow(QStringLiteral("API Key"),
                  createSecretRow(SecretKind::apiKey, QStringLiteral("API Key")));
-
     m_oneTimeCodeError = errorLabel();
     form->addRow(
         QStringLiteral("One-Time Code"),
         withError(createSecretRow(SecretKind::oneTimeCode, QStringLiteral("One-Time Code")),
                   m_oneTimeCodeError));
+
     // -- Dates
     bodyLayout->addWidget(group(QStringLiteral("Dates"), form));
     form->addRow(QStringLiteral("Purchase Date"),
@@ -290,7 +290,6 @@ QLineEdit* ServiceFormSheet::addLine(QFormLayout* form, const QString& label, st
     return edit;
 }
 
-QWidget* ServiceFormSheet::createSecretRow(SecretKind kind, const QString& name) {
 ServiceFormSheet::SecretWidgets& ServiceFormSheet::widgets(SecretKind kind) {
     return kind == SecretKind::apiKey        ? m_apiKey
            : kind == SecretKind::oneTimeCode ? m_oneTimeCode
@@ -304,14 +303,15 @@ ServiceForm::SecretInput& ServiceFormSheet::input(SecretKind kind) {
                                              : values.password;
 }
 
+QWidget* ServiceFormSheet::createSecretRow(SecretKind kind, const QString& name) {
     SecretWidgets& widgets = this->widgets(kind);
     widgets.edit = new QLineEdit;
     widgets.edit->setEchoMode(QLineEdit::Password);
     widgets.edit->setAccessibleName(name);
-    connect(widgets.edit, &QLineEdit::textEdited, this, [this, kind](const QString& text) {
     if (kind == SecretKind::oneTimeCode) {
         widgets.edit->setPlaceholderText(QStringLiteral("otpauth:// URI or secret"));
     }
+    connect(widgets.edit, &QLineEdit::textEdited, this, [this, kind](const QString& text) {
         input(kind).text = toStdString(text);
         refresh();
     });
@@ -370,7 +370,6 @@ ServiceForm::SecretInput& ServiceFormSheet::input(SecretKind kind) {
     return row;
 }
 
-QWidget* ServiceFormSheet::createDateRow(std::optional<Instant>& value, DateWidgets& widgets,
 void ServiceFormSheet::pasteQRCode(QLineEdit* edit) {
     // The clipboard's picture when there is one (a screenshot of the setup page), else a file.
     QImage image;
@@ -406,6 +405,7 @@ void ServiceFormSheet::pasteQRCode(QLineEdit* edit) {
     refresh();
 }
 
+QWidget* ServiceFormSheet::createDateRow(std::optional<Instant>& value, DateWidgets& widgets,
                                          const QString& name) {
     widgets.enabled = new QCheckBox;
     widgets.enabled->setAccessibleName(QStringLiteral("Set ") + name);
@@ -443,13 +443,13 @@ void ServiceFormSheet::refresh() {
     showError(m_portError, errors.port);
     showError(m_monthlyError, errors.monthlyCost);
     showError(m_yearlyError, errors.yearlyCost);
-    m_save->setEnabled(!errors.any());
     showError(m_oneTimeCodeError,
               errors.oneTimeCode.empty() ? m_form.qrCodeError() : errors.oneTimeCode);
+    m_save->setEnabled(!errors.any());
     refreshSecret(SecretKind::password);
     refreshSecret(SecretKind::apiKey);
-}
     refreshSecret(SecretKind::oneTimeCode);
+}
 
 void ServiceFormSheet::save() {
     if (m_form.save()) {
