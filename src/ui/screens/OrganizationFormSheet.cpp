@@ -5,6 +5,7 @@
 #include "SymbolIcon.h"
 #include "app/AppContext.h"
 #include "components/OrgAvatar.h"
+#include "components/PaletteColor.h"
 
 #include <QCheckBox>
 #include <QFileDialog>
@@ -155,6 +156,10 @@ OrganizationFormSheet::OrganizationFormSheet(AppContext& context, QWidget* paren
     bodyLayout->addLayout(logoRow);
     m_logoError->setTextFormat(Qt::PlainText);
     m_logoError->setWordWrap(true);
+    QPalette red = m_logoError->palette();
+    red.setColor(QPalette::WindowText,
+                 PaletteColor::foreground(PaletteColor::color(Palette::Color::red, red), red));
+    m_logoError->setPalette(red);
     m_logoError->hide();
     bodyLayout->addWidget(m_logoError);
     bodyLayout->addLayout(fields);
