@@ -10,7 +10,8 @@ namespace vorlane {
 
 // The running program's ear for the next one started on the same vault: that one finds the vault
 // locked (VaultLock), says "raise" on this local socket and exits, and this program brings its
-// window to the front. The socket is the user's only (runtime folder, owner-only permissions).
+// window to the front. The socket is the user's only (in the runtime folder, or beside the vault
+// without one; owner-only permissions).
 // Main thread.
 class SingleInstance : public QObject {
     Q_OBJECT
