@@ -30,9 +30,12 @@
 #include <QDialog>
 #include <QDir>
 #include <QFile>
+#include <QLineEdit>
 #include <QPalette>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QStyleFactory>
 #include <QTabWidget>
 #include <QTest>
@@ -100,7 +103,8 @@ void walkSmartPaste(QDialog* sheet, const QString& folder) {
         if (editor->accessibleName() == QStringLiteral("Pasted text")) {
             editor->setPlainText(QStringLiteral(
                 "Hello Maria,\n\nYour new VPS is ready.\n\nServer IP: 203.0.113.42\n"
-                "Root password: Vx7#qLm2pT\nPort: 2222\n"
+                "Root password: Vx7#qLm2pT\nBackup password: Bk-77f3-zz91\n"
+                "API token: tok_live_8d7Hq2Lx\nPort: 2222\n"
                 "Control panel: https://my.northwind.example/clientarea\n"
                 "Provider: Northwind Cloud\n\nYour next invoice is due on 2026-04-15.\n"));
         }
@@ -121,7 +125,8 @@ void walkSmartPaste(QDialog* sheet, const QString& folder) {
     save(sheet, folder, QStringLiteral("sheet-smart-paste-done"));
 }
 
-// Ticks every service, turns secrets on, and pictures the configure and confirm steps.
+// Ticks every service, turns secrets on, types a guessable export password, and pictures the
+// configure and confirm steps.
 void walkShare(QDialog* sheet, const QString& folder) {
     if (QPushButton* all = button(sheet, QStringLiteral("Select All"))) {
         all->click();
@@ -135,7 +140,19 @@ void walkShare(QDialog* sheet, const QString& folder) {
             box->setChecked(true);
         }
     }
+    for (QLineEdit* field : sheet->findChildren<QLineEdit*>()) {
+        if (field->accessibleName() == QStringLiteral("Export password")) {
+            field->setText(QStringLiteral("Summer2025!"));
+        }
+    }
     save(sheet, folder, QStringLiteral("sheet-share-configure"));
+    // The password's strength meter and warning, at the bottom of the step.
+    for (QScrollArea* area : sheet->findChildren<QScrollArea*>()) {
+        if (area->isVisible()) {
+            area->verticalScrollBar()->setValue(area->verticalScrollBar()->maximum());
+        }
+    }
+    save(sheet, folder, QStringLiteral("sheet-share-configure-password"));
     if (QPushButton* review = button(sheet, QStringLiteral("Review"))) {
         review->click();
     }
@@ -252,6 +269,14 @@ int main(int argc, char* argv[]) {
         save(dialog, folder, QString::fromLatin1(name));
         if (sheet == Sheet::smartPaste) {
             walkSmartPaste(dialog, folder);
+        }
+        if (auto* tabs = dialog->findChild<QTabWidget*>(); sheet == Sheet::settings && tabs) {
+            for (int tab = 1; tab < tabs->count(); ++tab) {
+                tabs->setCurrentIndex(tab);
+                settle();
+                save(dialog, folder,
+                     QStringLiteral("sheet-settings-%1").arg(tabs->tabText(tab).toLower()));
+            }
         }
         dialog->reject();
     }
