@@ -7,6 +7,7 @@
 #include "ScreenFixture.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
+#include "store/SqliteConnection.h"
 
 #include <libsecret/secret.h>
 
