@@ -15,7 +15,10 @@
 #include "calendar/ReminderSettings.h"
 #include "model/Organization.h"
 #include "reminders/NotificationManager.h"
+#include "screens/ReminderSettingsSection.h"
 
+#include <QCheckBox>
+#include <QComboBox>
 #include <QJsonArray>
 #include <QJsonObject>
 
@@ -137,6 +140,51 @@ TEST_F(RemindersTest, AtNineSevenThreeAndOneDayBeforeAndMarkRenewedFromTheRemind
         const auto pending = m_center.pendingRequests();
         return pending.size() == 3U && pending[0].dueMinute > utc(2027, 1, 1);
     }));
+}
+
+TEST_F(RemindersTest, ChangingTheReminderSettingsReschedulesAtOnce) {
+    ASSERT_TRUE(m_server.ready());
+    Organization& acme = addOrganization("Acme");
+    ServiceRecord& site = addService(
+        acme, "acme.com", [](ServiceRecord& s) { s.expirationDate = utc(2026, 3, 25, 4); });
+    MainWindow window(context());
+    const Reminders reminders(context(), m_center, m_manager, window);
+    ReminderSettingsSection section(context());
+    EXPECT_TRUE(section.leadTimeBox(3)->isChecked() && section.leadTimeBox(1)->isChecked());
+    EXPECT_FALSE(section.leadTimeBox(7)->isChecked() || section.leadTimeBox(0)->isChecked());
+    EXPECT_EQ(section.remindAtPicker()->currentText(), QStringLiteral("Time of expiration"));
+    EXPECT_TRUE(section.autoRenewingToggle()->isChecked());
+    window.show();
+    ASSERT_TRUE(waitFor([this] { return m_center.pendingRequests().size() == 2U; }));
+
+    section.leadTimeBox(7)->click();
+    section.leadTimeBox(1)->click();
+    section.remindAtPicker()->setCurrentIndex(1);
+    Q_EMIT section.remindAtPicker()->activated(1);
+    m_timers.advance(Reminders::rebuildDelay);
+    std::vector<std::string> identifiers;
+    ASSERT_TRUE(waitFor([&] {
+        identifiers.clear();
+        for (const NotificationRequest& request : m_center.pendingRequests()) {
+            identifiers.push_back(request.identifier + "@" +
+                                  std::to_string(request.dueMinute.time_since_epoch().count()));
+        }
+        return identifiers.size() == 2U;
+    }));
+    const std::string id = site.id.toString();
+    EXPECT_EQ(identifiers,
+              (std::vector<std::string>{
+                  "vorlane.warn." + id + ".7d@" +
+                      std::to_string(utc(2026, 3, 18, 13).time_since_epoch().count()),
+                  "vorlane.warn." + id + ".3d@" +
+                      std::to_string(utc(2026, 3, 22, 13).time_since_epoch().count())}));
+
+    // Auto-renewing services left out: this one now renews by itself, so nothing is left.
+    site.autoRenew = true;
+    section.autoRenewingToggle()->click();
+    m_timers.advance(Reminders::rebuildDelay);
+    EXPECT_TRUE(waitFor([this] { return m_center.pendingRequests().empty(); }));
+    EXPECT_FALSE(ReminderSettings::read(m_preferences).includeAutoRenewing);
 }
 
 } // namespace

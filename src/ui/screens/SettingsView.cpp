@@ -2,6 +2,7 @@
 #include "screens/SettingsView.h"
 
 #include "QtText.h"
+#include "ReminderSettingsSection.h"
 #include "SymbolIcon.h"
 #include "app/AppContext.h"
 #include "store/DataStore.h"
@@ -156,6 +157,7 @@ QWidget* SettingsView::notificationsTab() {
     connect(m_expenseReminders, &QCheckBox::toggled, this,
             [this](bool on) { m_screen.setShowExpenseReminders(on); });
     warnings->addRow(m_expenseReminders);
+    layout->addWidget(new ReminderSettingsSection(m_context));
     QFormLayout* note = section(layout, {});
     note->addRow(caption(toQString(SettingsScreen::notificationsText)));
     layout->addStretch(1);
