@@ -6,12 +6,18 @@
 #include "app/AppContext.h"
 #include "app/AppState.h"
 #include "auth/AuthManager.h"
+#include "calendar/RenewalsCalendar.h"
 #include "screens/SidebarView.h"
+#include "store/DataStore.h"
+#include "util/PrivateFile.h"
+#include "util/UserCalendar.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDialog>
+#include <QDir>
+#include <QFileDialog>
 #include <QKeySequence>
 #include <QLineEdit>
 #include <QMenu>
@@ -148,6 +154,9 @@ void MainWindow::createMenus() {
                [&state] { state.setShowingNewService(true); });
     addCommand(file, QStringLiteral("Smart Paste"), QKeySequence(QStringLiteral("Ctrl+Shift+V")),
                [&state] { state.setShowingSmartPaste(true); });
+    file->addSeparator();
+    addCommand(file, QStringLiteral("Export Renewals Calendar\u2026"), QKeySequence(),
+               [this] { exportRenewalsCalendar(); });
     file->addSeparator();
     addCommand(file, QStringLiteral("Lock Vault"), QKeySequence(QStringLiteral("Ctrl+Shift+L")),
                [this] { m_context.auth.lock(); });
@@ -315,6 +324,29 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     }
     state.clearClipboardBeforeQuit();
     QMainWindow::closeEvent(event);
+}
+
+void MainWindow::exportRenewalsCalendar() {
+    const QString path = QFileDialog::getSaveFileName(
+        this, QStringLiteral("Export Renewals Calendar"),
+        QDir::home().filePath(toQString(RenewalsCalendar::proposedFileName)),
+        QStringLiteral("iCalendar (*.ics)"));
+    if (path.isEmpty()) {
+        return;
+    }
+    const RenewalsCalendar::Written calendar = RenewalsCalendar::write(
+        m_context.store.fetchAllServices(false), ReminderSettings::read(m_context.preferences),
+        m_context.calendar, m_context.calendar.now());
+    if (const auto error = PrivateFile::write(path.toStdString(), calendar.text)) {
+        QMessageBox::warning(
+            this, QStringLiteral("Export Renewals Calendar"),
+            QStringLiteral("The calendar could not be written: %1").arg(toQString(*error)));
+        return;
+    }
+    if (calendar.eventCount == 0) {
+        QMessageBox::information(this, QStringLiteral("Export Renewals Calendar"),
+                                 toQString(RenewalsCalendar::nothingToExport));
+    }
 }
 
 void MainWindow::showEvent(QShowEvent* event) {

@@ -43,6 +43,8 @@ public:
 
     // Shows the separate settings window, creating it on first use.
     void showSettingsWindow();
+    // Asks where, then writes the renewals as an iCalendar file there.
+    void exportRenewalsCalendar();
 
 Q_SIGNALS:
     // Each time the window's content is shown (the start, and after being hidden or minimised).

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vorlane {
@@ -20,6 +21,11 @@ class UserCalendar;
 // password or key. Any thread, given services nobody changes meanwhile.
 class RenewalsCalendar {
 public:
+    static constexpr std::string_view proposedFileName = "Vorlane-Renewals.ics";
+    // Said when an export holds no event (the file is written all the same).
+    static constexpr std::string_view nothingToExport =
+        "There is nothing to export: no service that is not archived has an expiration date.";
+
     struct Written {
         std::string text;
         std::size_t eventCount = 0; // 0: nothing to export, the file is still a valid calendar
