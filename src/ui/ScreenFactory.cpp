@@ -11,6 +11,7 @@
 #include "screens/OrganizationDetailView.h"
 #include "screens/OrganizationFormSheet.h"
 #include "screens/OrganizationGridView.h"
+#include "screens/PasswordHealthView.h"
 #include "screens/RenewalView.h"
 #include "screens/ServiceDetailView.h"
 #include "screens/ServiceFormSheet.h"
@@ -47,6 +48,8 @@ QWidget* ScreenFactory::createDetailScreen(DetailScreen screen, AppContext& cont
         return new ExpenseView(context);
     case DetailScreen::archive:
         return new ArchiveView(context);
+    case DetailScreen::passwordHealth:
+        return new PasswordHealthView(context);
     }
     return new DashboardView(context);
 }

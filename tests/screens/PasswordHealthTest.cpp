@@ -1,14 +1,24 @@
 // The password health report over a real vault and keyring: reused, weak and old secrets and
-// services without a password, read in one batch, and `vorlane-cli health` on a terminal.
+// services without a password, read in one batch, the view and its sidebar badge offscreen, and
+// `vorlane-cli health` on a terminal.
 
 #include "passwords/PasswordHealth.h"
 
 #include "RunCommand.h"
 #include "ScreenFixture.h"
 #include "TerminalSession.h"
+#include "components/EmptyStateView.h"
+#include "components/RowListView.h"
+#include "components/RowVariant.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 #include "screens/PasswordHealthScreen.h"
+#include "screens/PasswordHealthView.h"
+#include "screens/SidebarView.h"
+
+#include <QLabel>
+#include <QListView>
+#include <QPushButton>
 
 #include <libsecret/secret.h>
 #include <nlohmann/json.hpp>
@@ -156,6 +166,72 @@ TEST_F(PasswordHealthTest, TheViewShowsNothingUntilAuthenticatedThenSectionsThat
     screen.clear();
     EXPECT_FALSE(screen.hasReport());
     EXPECT_EQ(screen.countsText(), "");
+}
+
+TEST_F(PasswordHealthTest, TheWidgetChecksOnItsButtonListsFindingsAndForgetsThemAtTheLock) {
+    plantVault();
+    connectAuthentication();
+    SidebarView sidebar(context());
+    PasswordHealthView view(context());
+    sidebar.show();
+    view.resize(700, 600);
+    view.show();
+    QListView& sidebarList = *sidebar.list();
+    int healthRow = -1;
+    for (int row = 0; row < sidebarList.model()->rowCount(); ++row) {
+        if (sidebarList.model()->index(row, 0).data(Qt::DisplayRole) == "Password Health") {
+            healthRow = row;
+        }
+    }
+    ASSERT_GE(healthRow, 0);
+    const auto sidebarSays = [&] {
+        return sidebarList.model()->index(healthRow, 0).data(Qt::AccessibleTextRole).toString();
+    };
+
+    // Before the check: only the button, named for what it asks.
+    EXPECT_FALSE(view.list()->isVisible());
+    EXPECT_FALSE(view.counts()->isVisible());
+    QPushButton* check = view.emptyState()->actionButton();
+    ASSERT_NE(check, nullptr);
+    EXPECT_EQ(check->text(), "Check Passwords");
+    EXPECT_EQ(check->accessibleName(), "Authenticate to check your passwords");
+
+    m_person.willType(userPassword);
+    QTest::mouseClick(check, Qt::LeftButton);
+    ASSERT_TRUE(waitFor([&] { return view.list()->isVisible(); }));
+    EXPECT_EQ(view.counts()->text(), "Reused: 3  Weak: 2  Old: 1  Without a password: 2");
+    for (QWidget* control : {static_cast<QWidget*>(&view), static_cast<QWidget*>(view.counts()),
+                             static_cast<QWidget*>(view.list())}) {
+        EXPECT_FALSE(control->accessibleName().isEmpty()) << control->metaObject()->className();
+    }
+    const QAbstractItemModel& rows = *view.list()->model();
+    // Four headers and eight findings, drawn by the shared service row delegate.
+    ASSERT_EQ(rows.rowCount(), 12);
+    EXPECT_EQ(rows.index(0, 0).data(Qt::DisplayRole), "Reused Secret 1 (3 uses)");
+    EXPECT_EQ(rows.index(0, 0).data(ListRole::sectionCount), 3);
+    EXPECT_EQ(rows.index(0, 0).flags(), Qt::NoItemFlags);
+    const ServiceRow first = rows.index(1, 0).data(ListRole::serviceRow).value<ServiceRow>();
+    EXPECT_EQ(first.title, "Deploy key");
+    EXPECT_EQ(first.subtitle, "Beta · API key");
+    EXPECT_TRUE(waitFor([&] { return sidebarSays() == "Password Health, 8 password findings"; }))
+        << sidebarSays().toStdString();
+
+    // Return on a finding opens its service.
+    view.list()->setFocus();
+    view.list()->setCurrentIndex(rows.index(1, 0));
+    QTest::keyClick(view.list(), Qt::Key_Return);
+    ASSERT_NE(m_state.selectedService(), nullptr);
+    EXPECT_EQ(m_state.selectedService()->title, "Deploy key");
+
+    // Locking drops the report and the sidebar's count, and the button is back.
+    context().auth.lock();
+    EXPECT_FALSE(view.screen().hasReport());
+    EXPECT_EQ(rows.rowCount(), 0);
+    EXPECT_FALSE(view.counts()->isVisible());
+    ASSERT_NE(view.emptyState()->actionButton(), nullptr);
+    EXPECT_TRUE(view.emptyState()->actionButton()->isVisible());
+    EXPECT_TRUE(waitFor([&] { return sidebarSays() == "Password Health"; }))
+        << sidebarSays().toStdString();
 }
 
 TEST_F(PasswordHealthTest, TheCommandLineAuthenticatesThenListsTheFindings) {

@@ -5,9 +5,11 @@
 #include "screens/SidebarModel.h"
 
 #include "ScreenFixture.h"
+#include "app/DetailScreen.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 
+#include <algorithm>
 #include <chrono>
 
 namespace vorlane::testing {
@@ -99,6 +101,41 @@ TEST_F(SidebarModelTest, AnArchiveOfServicesAloneShowsNoBadgeUntilAnOrganization
     EXPECT_TRUE(destination(model, SidebarItem::archive).showsBadge);
     EXPECT_EQ(destination(model, SidebarItem::organizations).count, 0U);
     EXPECT_TRUE(quickList(model).empty());
+}
+
+TEST_F(SidebarModelTest, PasswordHealthEndsTheLibraryAndCountsTheLastChecksFindingsOnly) {
+    addOrganization("Acme");
+    SidebarModel model(store(), m_calendar, m_state);
+    std::vector<std::string> titles;
+    for (const Row& row : model.rows()) {
+        titles.push_back(row.title);
+    }
+    const auto archive = std::find(titles.begin(), titles.end(), "Archive");
+    ASSERT_NE(archive, titles.end());
+    EXPECT_EQ(*(archive + 1), "Password Health");
+    EXPECT_EQ(*(archive + 2), "Organizations") << "the last row of Library";
+    EXPECT_FALSE(destination(model, SidebarItem::passwordHealth).showsBadge)
+        << "nothing is known before a check";
+    EXPECT_EQ(destination(model, SidebarItem::passwordHealth).accessibleText, "Password Health");
+
+    m_state.setPasswordHealthFindings(8);
+    model.refresh();
+    const Row& checked = destination(model, SidebarItem::passwordHealth);
+    EXPECT_EQ(checked.count, 8U);
+    EXPECT_TRUE(checked.showsBadge);
+    EXPECT_EQ(checked.badgeColor, Palette::Color::orange);
+    EXPECT_EQ(checked.accessibleText, "Password Health, 8 password findings");
+
+    // A clean report and a report dropped at the lock both show no badge.
+    m_state.setPasswordHealthFindings(0);
+    model.refresh();
+    EXPECT_FALSE(destination(model, SidebarItem::passwordHealth).showsBadge);
+    m_state.setPasswordHealthFindings(std::nullopt);
+    model.refresh();
+    EXPECT_FALSE(destination(model, SidebarItem::passwordHealth).showsBadge);
+
+    model.choose(SidebarItem::passwordHealth);
+    EXPECT_EQ(routeDetail(m_state), DetailScreen::passwordHealth);
 }
 
 TEST_F(SidebarModelTest, TheQuickListHoldsTheFirstEightOrganizationsByNameNeverArchivedOnes) {

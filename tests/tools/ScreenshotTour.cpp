@@ -205,10 +205,15 @@ int main(int argc, char* argv[]) {
     MainWindow window(context);
     window.show();
     const std::pair<SidebarItem, const char*> destinations[] = {
-        {SidebarItem::dashboard, "dashboard"},  {SidebarItem::organizations, "organizations"},
-        {SidebarItem::favorites, "favorites"},  {SidebarItem::expiringSoon, "expiring-soon"},
-        {SidebarItem::expired, "expired"},      {SidebarItem::allCredentials, "all-credentials"},
-        {SidebarItem::allExpenses, "expenses"}, {SidebarItem::archive, "archive"},
+        {SidebarItem::dashboard, "dashboard"},
+        {SidebarItem::organizations, "organizations"},
+        {SidebarItem::favorites, "favorites"},
+        {SidebarItem::expiringSoon, "expiring-soon"},
+        {SidebarItem::expired, "expired"},
+        {SidebarItem::allCredentials, "all-credentials"},
+        {SidebarItem::allExpenses, "expenses"},
+        {SidebarItem::archive, "archive"},
+        {SidebarItem::passwordHealth, "password-health"},
     };
     for (const auto& [item, name] : destinations) {
         state.setSelectedSidebarItem(item);

@@ -41,6 +41,9 @@ void AppState::setSelectedService(ServiceRecord* service) {
 void AppState::setSelectedOrgTab(OrgDetailTab tab) {
     assign(m_selectedOrgTab, tab);
 }
+void AppState::setPasswordHealthFindings(std::optional<std::size_t> findings) {
+    assign(m_passwordHealthFindings, findings);
+}
 
 void AppState::setSearchQuery(std::string query) {
     const bool searching = !query.empty();

@@ -6,6 +6,7 @@
 #include "util/Signal.h"
 #include "util/Timers.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -42,6 +43,10 @@ public:
     void setSelectedService(ServiceRecord* service);
     OrgDetailTab selectedOrgTab() const { return m_selectedOrgTab; }
     void setSelectedOrgTab(OrgDetailTab tab);
+    // The number of findings of the last password check, for the sidebar's badge; nothing before
+    // a check or after the vault is locked. Only a count: the report itself stays with its view.
+    std::optional<std::size_t> passwordHealthFindings() const { return m_passwordHealthFindings; }
+    void setPasswordHealthFindings(std::optional<std::size_t> findings);
 
     const std::string& searchQuery() const { return m_searchQuery; }
     // Also sets `isSearching`: true exactly when the query is not empty (a lone space counts).
@@ -126,6 +131,7 @@ private:
     Organization* m_selectedOrganization = nullptr;
     ServiceRecord* m_selectedService = nullptr;
     OrgDetailTab m_selectedOrgTab = OrgDetailTab::overview;
+    std::optional<std::size_t> m_passwordHealthFindings;
     std::string m_searchQuery;
     bool m_isSearching = false;
     bool m_showingNewOrganization = false;
@@ -139,7 +145,7 @@ private:
     Organization* m_shareOrganization = nullptr;
     std::vector<ServiceRecord*> m_shareServices;
     std::optional<std::string> m_recentlyCopied;
-    std::optional<std::string> m_exportKey; // the last one put on the clipboard
+    std::optional<std::string> m_exportKey;    // the last one put on the clipboard
     Timers::TimerId m_clipboardClearTimer = 0; // 0 while no clear is pending
 };
 

@@ -32,6 +32,8 @@ DetailScreen routeDetail(const AppState& state) {
         return DetailScreen::expenses;
     case SidebarItem::archive:
         return DetailScreen::archive;
+    case SidebarItem::passwordHealth:
+        return DetailScreen::passwordHealth;
     }
     return DetailScreen::dashboard;
 }

@@ -21,6 +21,7 @@ enum class DetailScreen {
     allCredentials,
     expenses,
     archive,
+    passwordHealth,
 };
 
 // The detail pane's screen for the current state, first match wins: search results while the

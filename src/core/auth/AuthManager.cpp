@@ -41,6 +41,7 @@ void AuthManager::setLastAuthDate(std::optional<Instant> date) {
 void AuthManager::lock() {
     setAuthenticated(false);
     setLastAuthDate(std::nullopt);
+    locked.emit();
 }
 
 void AuthManager::authenticateForSensitiveAction(const std::string& reason,

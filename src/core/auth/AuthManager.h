@@ -45,7 +45,8 @@ public:
     void setAuthenticated(bool authenticated);
     void setLastAuthDate(std::optional<Instant> date);
 
-    // "Lock Vault": drops the lock state.
+    // "Lock Vault": drops the lock state and tells `locked`, so that screens holding anything read
+    // from the keyring drop it.
     void lock();
 
     // Asks the user, every time, with `reason` shown in the prompt. `reply` runs exactly once, on
@@ -61,6 +62,7 @@ public:
 
     Signal<bool> isAuthenticatedChanged;
     Signal<std::optional<Instant>> lastAuthDateChanged;
+    Signal<> locked;
 
 private:
     BiometricsState biometrics() const;

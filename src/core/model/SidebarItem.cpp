@@ -6,13 +6,13 @@ namespace vorlane {
 namespace {
 
 constexpr std::array<std::string_view, SidebarItem::caseCount> displayNames{
-    "Dashboard", "Organizations",   "Favorites", "Expiring Soon",
-    "Expired",   "All Credentials", "Expenses",  "Archive",
+    "Dashboard",       "Organizations", "Favorites", "Expiring Soon",   "Expired",
+    "All Credentials", "Expenses",      "Archive",   "Password Health",
 };
 
 constexpr std::array<std::string_view, SidebarItem::caseCount> icons{
-    "square.grid.2x2",   "building.2", "star", "exclamationmark.triangle", "xmark.circle", "key",
-    "dollarsign.circle", "archivebox",
+    "square.grid.2x2",   "building.2", "star",   "exclamationmark.triangle", "xmark.circle", "key",
+    "dollarsign.circle", "archivebox", "shield",
 };
 
 } // namespace

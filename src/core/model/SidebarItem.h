@@ -8,7 +8,7 @@
 namespace vorlane {
 
 // The destinations of the main window's sidebar, in sidebar order.
-class SidebarItem : public RawEnumeration<SidebarItem, 8> {
+class SidebarItem : public RawEnumeration<SidebarItem, 9> {
 public:
     enum Value : std::uint8_t {
         dashboard,
@@ -19,11 +19,12 @@ public:
         allCredentials,
         allExpenses,
         archive,
+        passwordHealth,
     };
 
     static constexpr std::array<std::string_view, caseCount> rawValues{
-        "dashboard", "organizations",  "favorites",   "expiringSoon",
-        "expired",   "allCredentials", "allExpenses", "archive",
+        "dashboard",      "organizations", "favorites", "expiringSoon",   "expired",
+        "allCredentials", "allExpenses",   "archive",   "passwordHealth",
     };
 
     constexpr SidebarItem(Value value)

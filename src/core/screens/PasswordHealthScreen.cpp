@@ -83,11 +83,11 @@ std::vector<PasswordHealthScreen::Section> PasswordHealthScreen::sections() cons
         }
         result.push_back(std::move(section));
     }
-    const auto add = [&result](const char* title, const std::vector<Item>& items, bool kinds) {
+    const auto add = [&result](const char* heading, const std::vector<Item>& items, bool kinds) {
         if (items.empty()) {
             return;
         }
-        Section section{title, {}};
+        Section section{heading, {}};
         for (const Item& item : items) {
             section.rows.push_back(rowOf(item, kinds));
         }
@@ -97,6 +97,24 @@ std::vector<PasswordHealthScreen::Section> PasswordHealthScreen::sections() cons
     add("Unchanged for More Than a Year", m_findings->old, false);
     add("Without a Password", m_findings->withoutPassword, false);
     return result;
+}
+
+std::optional<EmptyState> PasswordHealthScreen::emptyState() const {
+    if (!m_findings) {
+        return EmptyState{"shield", std::string(title),
+                          m_message.empty() ? "Reused, weak and old passwords are found on this "
+                                              "computer, after you authenticate. Nothing is "
+                                              "looked up online."
+                                            : m_message,
+                          "Check Passwords"};
+    }
+    if (m_findings->count() == 0) {
+        return EmptyState{"shield",
+                          "No Findings",
+                          "No password is reused, weak or old, and every service has one.",
+                          {}};
+    }
+    return std::nullopt;
 }
 
 void PasswordHealthScreen::open(const Row& row) {

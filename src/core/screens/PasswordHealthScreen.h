@@ -1,6 +1,7 @@
 #pragma once
 
 #include "passwords/PasswordHealth.h"
+#include "screens/EmptyState.h"
 #include "util/Signal.h"
 
 #include <memory>
@@ -21,6 +22,7 @@ class KeychainManager;
 // dropped. Main thread; the context outlives it.
 class PasswordHealthScreen {
 public:
+    static constexpr std::string_view title = "Password Health";
     static constexpr std::string_view authenticateReason = "Authenticate to check your passwords";
 
     struct Row {
@@ -52,6 +54,10 @@ public:
     // What the sidebar shows beside "Password Health"; nothing before the report.
     std::optional<std::size_t> findingsCount() const;
     std::vector<Section> sections() const;
+    // What shows instead of the list: the button that starts the check (with the keyring's
+    // failure, if the last try had one) before the report, a clean bill when the report found
+    // nothing, and nothing when there are rows to show.
+    std::optional<EmptyState> emptyState() const;
     // Opens the row's service in the detail pane.
     void open(const Row& row);
     void clear();

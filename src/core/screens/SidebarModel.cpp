@@ -20,7 +20,9 @@ struct Section {
 const std::array<Section, 3> destinationSections{{
     {"Navigate", {SidebarItem::dashboard, SidebarItem::organizations}},
     {"Smart Views", {SidebarItem::favorites, SidebarItem::expiringSoon, SidebarItem::expired}},
-    {"Library", {SidebarItem::allCredentials, SidebarItem::allExpenses, SidebarItem::archive}},
+    {"Library",
+     {SidebarItem::allCredentials, SidebarItem::allExpenses, SidebarItem::archive,
+      SidebarItem::passwordHealth}},
 }};
 constexpr std::string_view organizationsSection = "Organizations";
 
@@ -39,6 +41,8 @@ std::pair<std::string_view, std::string_view> countedThing(SidebarItem item) {
         return {"credential", "credentials"};
     case SidebarItem::archive:
         return {"archived organization", "archived organizations"};
+    case SidebarItem::passwordHealth:
+        return {"password finding", "password findings"};
     case SidebarItem::dashboard:
     case SidebarItem::allExpenses:
         break;
@@ -126,6 +130,9 @@ std::size_t SidebarModel::badgeCount(SidebarItem item) const {
         // Archived services are deliberately left out: an archive of services alone shows no
         // badge.
         return m_store.fetchArchivedOrganizations().size();
+    case SidebarItem::passwordHealth:
+        // Known only after a check the user authenticated for; nothing before it.
+        return m_state.passwordHealthFindings().value_or(0);
     }
     return 0;
 }
@@ -138,6 +145,8 @@ Palette::Color SidebarModel::badgeColor(SidebarItem item) {
         return Palette::Color::orange;
     case SidebarItem::expired:
         return Palette::Color::red;
+    case SidebarItem::passwordHealth:
+        return Palette::Color::orange;
     default:
         return Palette::Color::secondary;
     }

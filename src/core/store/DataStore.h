@@ -55,6 +55,9 @@ public:
     // Emitted after every insertion, removal or noted change; observers re-read what they show.
     Signal<> changed;
 
+    // Where the vault's secrets are kept, for screens that read many of them at once.
+    KeychainManager& keychain() const { return m_keychain; }
+
     // -- Changes
     Organization& insert(Organization organization);
     ServiceRecord& insert(ServiceRecord service, Organization& owner);

@@ -5,6 +5,7 @@
 #include "SymbolIcon.h"
 #include "app/AppContext.h"
 #include "app/AppState.h"
+#include "auth/AuthManager.h"
 #include "screens/SidebarDelegate.h"
 #include "screens/SidebarListModel.h"
 #include "store/DataStore.h"
@@ -67,7 +68,16 @@ SidebarView::SidebarView(AppContext& context, QWidget* parent)
     connect(m_list, &QListView::activated, this,
             [this](const QModelIndex& index) { rowActivated(index); });
 
-    m_stateConnection = ScopedConnection(m_context.state.changed, [this] { showSelection(); });
+    m_stateConnection = ScopedConnection(m_context.state.changed, [this] {
+        showSelection();
+        if (m_context.state.passwordHealthFindings() != m_shownFindings) {
+            m_shownFindings = m_context.state.passwordHealthFindings();
+            scheduleRefresh();
+        }
+    });
+    // A count of findings says something about the secrets: it goes with the lock.
+    m_lockConnection = ScopedConnection(
+        m_context.auth.locked, [this] { m_context.state.setPasswordHealthFindings(std::nullopt); });
     m_storeConnection = ScopedConnection(m_context.store.changed, [this] { scheduleRefresh(); });
     showSelection();
     setFocusProxy(m_list);
@@ -75,6 +85,7 @@ SidebarView::SidebarView(AppContext& context, QWidget* parent)
 
 SidebarView::~SidebarView() {
     m_storeConnection.reset();
+    m_lockConnection.reset();
     m_stateConnection.reset();
 }
 

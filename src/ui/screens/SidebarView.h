@@ -6,6 +6,8 @@
 
 #include <QWidget>
 
+#include <optional>
+
 class QListView;
 class QModelIndex;
 class QToolButton;
@@ -44,7 +46,9 @@ private:
     QToolButton* m_newOrganization;
     SidebarItem m_shownItem = SidebarItem::dashboard;
     bool m_refreshPending = false;
+    std::optional<std::size_t> m_shownFindings; // the password check's count the badge shows
     ScopedConnection m_stateConnection;
+    ScopedConnection m_lockConnection;
     ScopedConnection m_storeConnection;
 };
 
