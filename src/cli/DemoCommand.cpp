@@ -36,6 +36,10 @@ int DemoCommand::run(CliInvocation& invocation) {
                                << value << "\"\n";
                 return 2;
             }
+        } else if (arguments[i].starts_with("-")) {
+            // An option this command does not know is a typo, not the name of a new vault file.
+            invocation.err << "vorlane-cli demo: unknown option \"" << arguments[i] << "\"\n";
+            return 2;
         } else if (!path) {
             path = arguments[i];
         } else {

@@ -108,8 +108,9 @@ TEST_F(StoreCliTest, ErrorsGoToStderrWithAStatus) {
         << refused.err;
     EXPECT_EQ(fileBytes(m_path), "not a vault");
 
-    for (const char* wrong : {"expiring --within soon", "expiring --within -1", "search",
-                              "expired now", "demo", "demo x --services 0"}) {
+    for (const char* wrong :
+         {"expiring --within soon", "expiring --within -1", "search", "expired now", "demo",
+          "demo x --services 0", "demo --no-such-option"}) {
         const CommandRun run = cli("--vault " + shellWord(m_path) + " --json " + wrong);
         EXPECT_EQ(run.status, 2) << wrong;
         EXPECT_FALSE(run.err.empty()) << wrong;
