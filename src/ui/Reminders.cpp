@@ -7,12 +7,14 @@
 #include "app/AppState.h"
 #include "app/ServiceActions.h"
 #include "calendar/ReminderSettings.h"
+#include "calendar/RenewalsCalendarFile.h"
 #include "reminders/NotificationManager.h"
 #include "store/DataStore.h"
 #include "util/UserCalendar.h"
 
 #include <QEvent>
 #include <QTimer>
+#include <QtGlobal>
 
 #include <chrono>
 
@@ -64,6 +66,12 @@ void Reminders::reschedule() {
     // cost the window more than building the reminders does.
     m_manager.scheduleExpirationNotifications(
         m_context.store.fetchExpiringBetween(m_context.calendar.now(), Instant::max()));
+    // The calendar file follows the same changes as the reminders, so that a calendar program
+    // subscribed to it moves a renewed service's event as soon as the reminder moves.
+    if (const auto error = RenewalsCalendarFile::refresh(m_context.store, m_context.preferences,
+                                                         m_context.calendar)) {
+        qWarning("Renewals calendar error: %s", error->c_str());
+    }
 }
 
 void Reminders::rebuildOncePainted() {

@@ -22,7 +22,12 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
+#include <sys/stat.h>
+
 #include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
 
 namespace vorlane::testing {
 namespace {
@@ -185,6 +190,52 @@ TEST_F(RemindersTest, ChangingTheReminderSettingsReschedulesAtOnce) {
     m_timers.advance(Reminders::rebuildDelay);
     EXPECT_TRUE(waitFor([this] { return m_center.pendingRequests().empty(); }));
     EXPECT_FALSE(ReminderSettings::read(m_preferences).includeAutoRenewing);
+}
+
+TEST_F(RemindersTest, AKeptCalendarFileFollowsEveryChangeAndStaysWhenNoLongerKept) {
+    ASSERT_TRUE(m_server.ready());
+    Organization& acme = addOrganization("Acme");
+    ServiceRecord& site = addService(
+        acme, "acme.com", [](ServiceRecord& s) { s.expirationDate = utc(2026, 3, 25, 4); });
+    MainWindow window(context());
+    const Reminders reminders(context(), m_center, m_manager, window);
+    ReminderSettingsSection section(context());
+    const std::string path = m_folder.filePath(QStringLiteral("renewals.ics")).toStdString();
+    const auto fileText = [&path] {
+        std::ifstream in(path, std::ios::binary);
+        std::ostringstream text;
+        text << in.rdbuf();
+        return text.str();
+    };
+    window.show();
+    ASSERT_TRUE(waitFor([this] { return m_center.pendingRequests().size() == 2U; }));
+    EXPECT_FALSE(section.calendarFileToggle()->isChecked());
+    EXPECT_FALSE(std::filesystem::exists(path)) << "only written when the user asks for it";
+
+    section.calendarFileToggle()->click();
+    m_timers.advance(Reminders::rebuildDelay);
+    ASSERT_TRUE(waitFor([&] { return std::filesystem::exists(path); }));
+    const std::string uid = "UID:" + site.id.toString() + "@vorlane";
+    EXPECT_NE(fileText().find(uid), std::string::npos);
+    EXPECT_NE(fileText().find("DTSTART;VALUE=DATE:20260325"), std::string::npos) << fileText();
+    struct stat mode {};
+    ASSERT_EQ(::stat(path.c_str(), &mode), 0);
+    EXPECT_EQ(mode.st_mode & 0777, 0600U);
+
+    // A renewal moves the event in the file, under the same UID.
+    context().serviceActions.markRenewed(site);
+    m_timers.advance(Reminders::rebuildDelay);
+    EXPECT_TRUE(waitFor(
+        [&] { return fileText().find("DTSTART;VALUE=DATE:20260325") == std::string::npos; }));
+    const std::string renewed = fileText();
+    EXPECT_NE(renewed.find(uid), std::string::npos);
+
+    // Switched off, the last file stays for a calendar still subscribed to it, and stops moving.
+    section.calendarFileToggle()->click();
+    site.title = "acme.org";
+    store().noteChanged(site);
+    m_timers.advance(Reminders::rebuildDelay);
+    EXPECT_EQ(fileText(), renewed);
 }
 
 } // namespace

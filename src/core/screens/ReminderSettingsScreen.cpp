@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "screens/ReminderSettingsScreen.h"
 
+#include "calendar/RenewalsCalendarFile.h"
+
 #include <algorithm>
 #include <cstdio>
 
@@ -68,6 +70,25 @@ void ReminderSettingsScreen::setIncludesAutoRenewing(bool include) {
 
 void ReminderSettingsScreen::write(const ReminderSettings& settings) {
     settings.write(m_preferences);
+}
+
+std::string ReminderSettingsScreen::calendarHelp(const std::string& calendarPath) {
+    const std::string location = "file://" + calendarPath;
+    return "Vorlane rewrites " + calendarPath +
+           " after every change. To follow it in Thunderbird: File → New → Calendar… → On the "
+           "Network, location " +
+           location + ". In Evolution: File → New → Calendar, type \"On The Web\", URL " +
+           location +
+           ". GNOME Calendar imports a copy instead: Manage Calendars → Add Calendar → Import a "
+           "Calendar.";
+}
+
+bool ReminderSettingsScreen::keepsCalendarFile() const {
+    return RenewalsCalendarFile::isKept(m_preferences);
+}
+
+void ReminderSettingsScreen::setKeepsCalendarFile(bool keep) {
+    RenewalsCalendarFile::setKept(m_preferences, keep);
 }
 
 } // namespace vorlane

@@ -21,6 +21,7 @@ public:
     static constexpr std::string_view remindAtLabel = "Remind at";
     static constexpr std::string_view autoRenewingLabel =
         "Also for services that renew automatically";
+    static constexpr std::string_view keepCalendarLabel = "Keep a calendar file up to date";
 
     struct LeadTime {
         int daysBefore;
@@ -30,6 +31,9 @@ public:
     static std::vector<LeadTime> leadTimes();
     // "Time of expiration", then the offered time of day ("09:00").
     static std::vector<std::string> remindAtChoices();
+
+    // How to follow the kept calendar file (`calendarPath`) in the usual calendar programs.
+    static std::string calendarHelp(const std::string& calendarPath);
 
     explicit ReminderSettingsScreen(PreferenceStore& preferences);
 
@@ -41,6 +45,9 @@ public:
     void setRemindAtIndex(int index);
     bool includesAutoRenewing() const;
     void setIncludesAutoRenewing(bool include);
+    // Whether renewals.ics beside the vault is rewritten after every change (RenewalsCalendarFile).
+    bool keepsCalendarFile() const;
+    void setKeepsCalendarFile(bool keep);
 
 private:
     void write(const ReminderSettings& settings);

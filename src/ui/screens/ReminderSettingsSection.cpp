@@ -3,12 +3,15 @@
 
 #include "QtText.h"
 #include "app/AppContext.h"
+#include "calendar/RenewalsCalendarFile.h"
+#include "components/PlainText.h"
 #include "store/DataStore.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFormLayout>
 #include <QGridLayout>
+#include <QLabel>
 #include <QSignalBlocker>
 
 namespace vorlane {
@@ -48,6 +51,18 @@ ReminderSettingsSection::ReminderSettingsSection(AppContext& context, QWidget* p
         changed();
     });
     form->addRow(m_autoRenewing);
+    m_calendarFile = new QCheckBox(toQString(ReminderSettingsScreen::keepCalendarLabel));
+    connect(m_calendarFile, &QCheckBox::toggled, this, [this](bool on) {
+        m_screen.setKeepsCalendarFile(on);
+        m_calendarHelp->setVisible(on);
+        changed();
+    });
+    form->addRow(m_calendarFile);
+    m_calendarHelp = PlainText::label(toQString(ReminderSettingsScreen::calendarHelp(
+        RenewalsCalendarFile::pathBeside(m_context.store.path()))));
+    m_calendarHelp->setWordWrap(true);
+    m_calendarHelp->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    form->addRow(m_calendarHelp);
     reload();
 }
 
@@ -69,6 +84,9 @@ void ReminderSettingsSection::reload() {
     m_remindAt->setCurrentIndex(m_screen.remindAtIndex());
     const QSignalBlocker quietToggle(m_autoRenewing);
     m_autoRenewing->setChecked(m_screen.includesAutoRenewing());
+    const QSignalBlocker quietCalendar(m_calendarFile);
+    m_calendarFile->setChecked(m_screen.keepsCalendarFile());
+    m_calendarHelp->setVisible(m_screen.keepsCalendarFile());
 }
 
 void ReminderSettingsSection::changed() {
