@@ -7,6 +7,7 @@
 #include "app/AppState.h"
 #include "auth/AuthManager.h"
 #include "calendar/RenewalsCalendar.h"
+#include "screens/ImportSheet.h"
 #include "screens/SidebarView.h"
 #include "store/DataStore.h"
 #include "util/PrivateFile.h"
@@ -142,6 +143,7 @@ MainWindow::~MainWindow() {
         delete dialog.data();
     }
     delete m_settingsWindow.data();
+    delete m_importSheet.data();
 }
 
 void MainWindow::createMenus() {
@@ -154,6 +156,8 @@ void MainWindow::createMenus() {
                [&state] { state.setShowingNewService(true); });
     addCommand(file, QStringLiteral("Smart Paste"), QKeySequence(QStringLiteral("Ctrl+Shift+V")),
                [&state] { state.setShowingSmartPaste(true); });
+    addCommand(file, QStringLiteral("Import\u2026"), QKeySequence(QStringLiteral("Ctrl+Shift+I")),
+               [this] { showImportSheet(); });
     file->addSeparator();
     addCommand(file, QStringLiteral("Export Renewals Calendar\u2026"), QKeySequence(),
                [this] { exportRenewalsCalendar(); });
@@ -210,6 +214,9 @@ void MainWindow::createToolbar() {
     addMenu->addSeparator();
     connect(addMenu->addAction(SymbolIcon::icon("doc.on.clipboard"), QStringLiteral("Smart Paste")),
             &QAction::triggered, this, [&state] { state.setShowingSmartPaste(true); });
+    connect(addMenu->addAction(SymbolIcon::icon("square.and.arrow.down"),
+                               QStringLiteral("Import\u2026")),
+            &QAction::triggered, this, [this] { showImportSheet(); });
     auto* add = new QToolButton;
     add->setText(QStringLiteral("Add"));
     add->setIcon(SymbolIcon::icon("plus"));
@@ -347,6 +354,16 @@ void MainWindow::exportRenewalsCalendar() {
         QMessageBox::information(this, QStringLiteral("Export Renewals Calendar"),
                                  toQString(RenewalsCalendar::nothingToExport));
     }
+}
+
+void MainWindow::showImportSheet() {
+    if (m_importSheet.isNull()) {
+        m_importSheet = new ImportSheet(m_context, this);
+        m_importSheet->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    m_importSheet->open();
+    m_importSheet->raise();
+    m_importSheet->activateWindow();
 }
 
 void MainWindow::showEvent(QShowEvent* event) {

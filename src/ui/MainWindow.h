@@ -45,6 +45,8 @@ public:
     void showSettingsWindow();
     // Asks where, then writes the renewals as an iCalendar file there.
     void exportRenewalsCalendar();
+    // Opens the import sheet, or brings forward the one already open.
+    void showImportSheet();
 
 Q_SIGNALS:
     // Each time the window's content is shown (the start, and after being hidden or minimised).
@@ -79,6 +81,7 @@ private:
     bool m_hasRoute = false;
     std::array<QPointer<QDialog>, 5> m_sheets;
     QPointer<QWidget> m_settingsWindow;
+    QPointer<QDialog> m_importSheet;
     ScopedConnection m_stateConnection;
 };
 

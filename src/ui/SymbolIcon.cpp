@@ -75,6 +75,7 @@ constexpr std::pair<std::string_view, const char*> symbolTable[] = {
     {"arrow.right.circle", "go-next-view"},
     {"link", "link"},
     {"square.and.arrow.up", "document-share"},
+    {"square.and.arrow.down", "document-import"},
     {"arrow.uturn.backward", "edit-undo"},
     {"trash", "edit-delete"},
     {"arrow.up.right.square", "document-open-remote"},

@@ -57,6 +57,8 @@ public:
     const std::string& path() const { return m_path; }
     // Why the chosen file could not be read; empty when it could.
     const std::string& error() const { return m_error; }
+    // The format the chosen file was read as; nothing before a file is read.
+    std::optional<ImportFormat> readFormat() const { return m_readFormat; }
     // "Format: KeePass XML (detected)" once a file is read.
     std::string formatText() const;
     // Writes the spreadsheet template to `path`; the reason it could not, or empty.
