@@ -6,12 +6,14 @@
 #include "ScreenFixture.h"
 #include "WidgetLookup.h"
 #include "model/Organization.h"
+#include "model/PaymentRecord.h"
 #include "model/ServiceRecord.h"
 #include "screens/ServiceDetailView.h"
 #include "screens/ServiceFormSheet.h"
 #include "screens/ServiceRowMenu.h"
 
 #include <QApplication>
+#include <QDialogButtonBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -86,6 +88,105 @@ TEST_F(ServiceScreensWidgetTest, TheSheetShowsWhatIsWrongBesideTheFieldAndSavesW
     ASSERT_EQ(acme.services.size(), 1U);
     EXPECT_EQ(acme.services.front()->port, 443);
     EXPECT_EQ(store().getPassword(*acme.services.front())->size(), 20U);
+}
+
+// The open sheet titled `title`: a closed one lingers until the event loop deletes it.
+QDialog* openSheet(const QWidget& parent, const QString& title) {
+    for (QDialog* dialog : parent.findChildren<QDialog*>()) {
+        if (dialog->isVisible() && dialog->accessibleName() == title) {
+            return dialog;
+        }
+    }
+    ADD_FAILURE() << "no open sheet " << title.toStdString();
+    return nullptr;
+}
+
+void fillAndSave(QDialog& sheet, const QString& amount, const QString& note) {
+    auto* amountEdit = childNamed<QLineEdit>(sheet, QStringLiteral("Amount"));
+    auto* noteEdit = childNamed<QLineEdit>(sheet, QStringLiteral("Note"));
+    ASSERT_TRUE(amountEdit && noteEdit);
+    amountEdit->clear();
+    QTest::keyClicks(amountEdit, amount);
+    noteEdit->clear();
+    QTest::keyClicks(noteEdit, note);
+    sheet.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Save)->click();
+}
+
+TEST_F(ServiceScreensWidgetTest, PaymentsAreAddedCorrectedAndDeletedThroughTheSection) {
+    Organization& acme = addOrganization("Acme");
+    ServiceRecord& domain = addService(acme, "acme.example");
+    ServiceDetailView view(context(), domain);
+    view.show();
+    // Rows added to a shown window appear once the event loop has run.
+    const auto shows = [&](const QString& text) {
+        return waitFor([&] { return showsLabel(view, text); });
+    };
+    EXPECT_TRUE(shows(QStringLiteral("No payments recorded.")));
+
+    // A payment recorded elsewhere (a renewal) appears without reopening the service.
+    PaymentRecord renewal;
+    renewal.id = Uuid::generate();
+    renewal.datePaid = utc(2025, 3, 10, 17);
+    renewal.periodFrom = utc(2025, 3, 10, 17);
+    renewal.periodTo = utc(2026, 3, 10, 17);
+    renewal.amount = Decimal(15);
+    store().insert(renewal, domain);
+    EXPECT_TRUE(shows(QStringLiteral("Total paid: $15.00")));
+    EXPECT_TRUE(shows(QStringLiteral("Covers Mar 10, 2025 \u2013 Mar 10, 2026")));
+    EXPECT_FALSE(showsLabel(view, QStringLiteral("No payments recorded.")));
+
+    // Add Payment: a wrong amount is refused in the sheet, which keeps what was typed.
+    buttonTitled(view, QStringLiteral("Add Payment"))->click();
+    QDialog* add = openSheet(view, QStringLiteral("Add Payment"));
+    ASSERT_NE(add, nullptr);
+    fillAndSave(*add, QStringLiteral("12,50"), QStringLiteral("<b>Invoice 7</b>"));
+    EXPECT_TRUE(add->isVisible());
+    EXPECT_TRUE(showsLabel(*add, QStringLiteral("Not a valid amount")));
+    EXPECT_EQ(store().fetchPayments(domain).size(), 1U);
+    fillAndSave(*add, QStringLiteral("12.50"), QStringLiteral("<b>Invoice 7</b>"));
+    EXPECT_FALSE(add->isVisible());
+    std::vector<PaymentRecord*> payments = store().fetchPayments(domain);
+    ASSERT_EQ(payments.size(), 2U);
+    EXPECT_EQ(payments[0]->amount, *Decimal::fromString("12.50")) << "newest first";
+    EXPECT_EQ(payments[0]->note, "<b>Invoice 7</b>");
+    EXPECT_TRUE(shows(QStringLiteral("Total paid: $27.50")));
+    EXPECT_TRUE(shows(QStringLiteral("<b>Invoice 7</b>"))) << "the note, as typed";
+
+    // Edit: the sheet starts from the payment's amount and note; both are kept.
+    childNamed<QToolButton>(view, QStringLiteral("Edit payment of Mar 10, 2026"))->click();
+    QDialog* edit = openSheet(view, QStringLiteral("Edit Payment"));
+    ASSERT_NE(edit, nullptr);
+    EXPECT_EQ(Decimal::fromString(
+                  childNamed<QLineEdit>(*edit, QStringLiteral("Amount"))->text().toStdString()),
+              Decimal::fromString("12.50"));
+    fillAndSave(*edit, QStringLiteral("14"), QStringLiteral("Invoice 8"));
+    EXPECT_FALSE(edit->isVisible());
+    payments = store().fetchPayments(domain);
+    ASSERT_EQ(payments.size(), 2U);
+    EXPECT_EQ(payments[0]->amount, Decimal(14));
+    EXPECT_EQ(payments[0]->note, "Invoice 8");
+    EXPECT_EQ(payments[1]->amount, Decimal(15)) << "only the one edited";
+    EXPECT_TRUE(shows(QStringLiteral("Total paid: $29.00")));
+
+    // Delete asks first; Cancel keeps the payment, Delete removes that one only.
+    const auto answer = [&](const QString& text) {
+        childNamed<QToolButton>(view, QStringLiteral("Delete payment of Mar 10, 2026"))->click();
+        auto* box = openSheet(view, QStringLiteral("Delete Payment"));
+        ASSERT_NE(box, nullptr);
+        EXPECT_TRUE(qobject_cast<QMessageBox*>(box)->text().contains(QStringLiteral("$14.00")));
+        for (QAbstractButton* button : qobject_cast<QMessageBox*>(box)->buttons()) {
+            if (button->text() == text) {
+                button->click();
+            }
+        }
+    };
+    answer(QStringLiteral("Cancel"));
+    EXPECT_EQ(store().fetchPayments(domain).size(), 2U);
+    answer(QStringLiteral("Delete"));
+    payments = store().fetchPayments(domain);
+    ASSERT_EQ(payments.size(), 1U);
+    EXPECT_EQ(payments[0]->amount, Decimal(15));
+    EXPECT_TRUE(shows(QStringLiteral("Total paid: $15.00")));
 }
 
 TEST_F(ServiceScreensWidgetTest, EditFromTheRowMenuOpensTheFormAndClosingItEndsTheEdit) {

@@ -7,14 +7,19 @@
 #include "components/PaletteColor.h"
 #include "components/PlainText.h"
 #include "components/TintedIcon.h"
+#include "model/PaymentRecord.h"
 #include "store/DataStore.h"
 
 #include <QDesktopServices>
+#include <QDialog>
+#include <QDialogButtonBox>
 #include <QFontDatabase>
+#include <QFormLayout>
 #include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScrollArea>
@@ -57,6 +62,22 @@ void makeSecondary(QLabel* label) {
     label->setPalette(palette);
 }
 
+void makeRed(QLabel* label) {
+    QPalette palette = label->palette();
+    palette.setColor(
+        QPalette::WindowText,
+        PaletteColor::foreground(PaletteColor::color(Palette::Color::red, palette), palette));
+    label->setPalette(palette);
+}
+
+QLabel* sectionTitle(const QString& text) {
+    auto* title = new QLabel(text);
+    QFont font = title->font();
+    font.setWeight(QFont::DemiBold);
+    title->setFont(font);
+    return title;
+}
+
 } // namespace
 
 ServiceDetailView::ServiceDetailView(AppContext& context, const ServiceRecord& service,
@@ -64,6 +85,7 @@ ServiceDetailView::ServiceDetailView(AppContext& context, const ServiceRecord& s
     : QWidget(parent)
     , m_context(context)
     , m_screen(context, service)
+    , m_serviceId(service.id)
     , m_typeIcon(new QLabel)
     , m_title(PlainText::label())
     , m_subtitle(PlainText::label())
@@ -83,6 +105,7 @@ ServiceDetailView::ServiceDetailView(AppContext& context, const ServiceRecord& s
     m_sectionsLayout->setContentsMargins(0, 0, 0, 0);
     m_sectionsLayout->setSpacing(16);
     layout->addWidget(m_sectionsHost);
+    buildPayments(layout);
     layout->addStretch(1);
 
     auto* scroll = new QScrollArea;
@@ -165,11 +188,7 @@ void ServiceDetailView::buildActions(QVBoxLayout* layout) {
     layout->addLayout(bar);
 
     m_message->setWordWrap(true);
-    QPalette palette = m_message->palette();
-    palette.setColor(
-        QPalette::WindowText,
-        PaletteColor::foreground(PaletteColor::color(Palette::Color::red, palette), palette));
-    m_message->setPalette(palette);
+    makeRed(m_message);
     m_message->hide();
     layout->addWidget(m_message);
 }
@@ -213,6 +232,8 @@ void ServiceDetailView::refresh() {
     m_message->setText(toQString(m_screen.message()));
     m_message->setVisible(!m_screen.message().empty());
 
+    refreshPayments();
+
     const std::vector<ServiceDetailScreen::Section> sections = m_screen.sections();
     Layout layout;
     for (const auto& section : sections) {
@@ -241,10 +262,7 @@ void ServiceDetailView::rebuildSections(const std::vector<ServiceDetailScreen::S
     }
     m_rows.clear();
     for (const auto& section : sections) {
-        auto* title = new QLabel(toQString(section.title));
-        QFont font = title->font();
-        font.setWeight(QFont::DemiBold);
-        title->setFont(font);
+        QLabel* title = sectionTitle(toQString(section.title));
         auto* card = new QFrame;
         card->setFrameShape(QFrame::StyledPanel);
         card->setAccessibleName(toQString(section.title));
@@ -356,6 +374,229 @@ void ServiceDetailView::updateRow(const ServiceDetailScreen::Row& row) {
         parts.reveal->setAccessibleName(toQString(row.revealText()) + QLatin1Char(' ') +
                                         toQString(row.label));
     }
+}
+
+void ServiceDetailView::buildPayments(QVBoxLayout* layout) {
+    if (ServiceRecord* service = m_context.store.service(m_serviceId)) {
+        m_payments.emplace(m_context.store, *service, m_context.calendar);
+    }
+    m_paymentsTotal = PlainText::label();
+    makeSecondary(m_paymentsTotal);
+    auto* add = actionButton("plus", toQString(ServicePayments::addTitle));
+    add->setAccessibleName(toQString(ServicePayments::addTitle));
+    connect(add, &QPushButton::clicked, this, [this] {
+        askPayment(toQString(ServicePayments::addTitle), {}, {},
+                   [this](const std::string& amount, const std::string& note) {
+                       return m_payments->add(amount, note);
+                   });
+    });
+    auto* header = new QHBoxLayout;
+    header->setSpacing(8);
+    header->addWidget(sectionTitle(toQString(ServicePayments::title)));
+    header->addStretch(1);
+    header->addWidget(m_paymentsTotal);
+    header->addWidget(add);
+
+    auto* card = new QFrame;
+    card->setFrameShape(QFrame::StyledPanel);
+    card->setAccessibleName(toQString(ServicePayments::title));
+    m_paymentsRows = new QVBoxLayout(card);
+    m_paymentsRows->setContentsMargins(12, 8, 12, 8);
+    m_paymentsRows->setSpacing(8);
+
+    auto* box = new QWidget;
+    auto* boxLayout = new QVBoxLayout(box);
+    boxLayout->setContentsMargins(0, 8, 0, 0);
+    boxLayout->setSpacing(6);
+    boxLayout->addLayout(header);
+    boxLayout->addWidget(card);
+    box->setVisible(m_payments.has_value());
+    layout->addWidget(box);
+}
+
+void ServiceDetailView::refreshPayments() {
+    // A deleted service leaves the store before this view is closed: its payments went with it.
+    if (!m_payments || !m_screen.exists()) {
+        return;
+    }
+    m_payments->rebuild();
+    m_paymentsTotal->setText(toQString(m_payments->totalText()));
+    std::vector<std::string> drawn;
+    for (const ServicePayments::Row& row : m_payments->rows()) {
+        drawn.push_back(row.payment->id.toString() + '\n' + row.amountText + '\n' + row.dateText +
+                        '\n' + row.periodText + '\n' + row.note);
+    }
+    // Rebuilt only on a change of its own, so that an unrelated save keeps the keyboard focus.
+    if (drawn == m_paymentsDrawn && m_paymentsRows->count() > 0) {
+        return;
+    }
+    m_paymentsDrawn = std::move(drawn);
+    while (QLayoutItem* item = m_paymentsRows->takeAt(0)) {
+        // Later: the change may come from a click on a button of the row being replaced.
+        if (QWidget* widget = item->widget()) {
+            widget->hide();
+            widget->deleteLater();
+        }
+        delete item;
+    }
+    if (m_payments->rows().empty()) {
+        QLabel* empty = PlainText::label(toQString(ServicePayments::emptyText));
+        makeSecondary(empty);
+        m_paymentsRows->addWidget(empty);
+        return;
+    }
+    for (const ServicePayments::Row& row : m_payments->rows()) {
+        m_paymentsRows->addWidget(createPaymentRow(row));
+    }
+}
+
+QWidget* ServiceDetailView::createPaymentRow(const ServicePayments::Row& row) {
+    auto* widget = new QWidget;
+    widget->setAccessibleName(toQString(row.accessibleText));
+    auto* layout = new QVBoxLayout(widget);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
+
+    QLabel* date = PlainText::label(toQString(row.dateText));
+    QLabel* amount = PlainText::label(toQString(row.amountText));
+    amount->setAccessibleName(QStringLiteral("Amount paid on ") + toQString(row.dateText));
+    amount->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    QFont bold = amount->font();
+    bold.setWeight(QFont::DemiBold);
+    amount->setFont(bold);
+    const Uuid id = row.payment->id;
+    auto* edit = rowButton("pencil", QStringLiteral("Edit"),
+                           QStringLiteral("Edit payment of ") + toQString(row.dateText));
+    edit->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    connect(edit, &QToolButton::clicked, this, [this, id] { editPayment(id); });
+    auto* remove = rowButton("trash", QStringLiteral("Delete"),
+                             QStringLiteral("Delete payment of ") + toQString(row.dateText));
+    remove->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    connect(remove, &QToolButton::clicked, this, [this, id] { confirmDeletePayment(id); });
+
+    auto* line = new QHBoxLayout;
+    line->setSpacing(8);
+    line->addWidget(date);
+    line->addStretch(1);
+    line->addWidget(amount);
+    line->addWidget(edit);
+    line->addWidget(remove);
+    layout->addLayout(line);
+    if (!row.periodText.empty()) {
+        QLabel* period = PlainText::label(QStringLiteral("Covers ") + toQString(row.periodText));
+        makeSecondary(period);
+        layout->addWidget(period);
+    }
+    if (!row.note.empty()) {
+        QLabel* note = PlainText::label(toQString(row.note));
+        note->setWordWrap(true);
+        note->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        layout->addWidget(note);
+    }
+    return widget;
+}
+
+PaymentRecord* ServiceDetailView::paymentWithId(const Uuid& id) const {
+    if (!m_payments || !m_screen.exists()) {
+        return nullptr;
+    }
+    for (const ServicePayments::Row& row : m_payments->rows()) {
+        if (row.payment->id == id) {
+            return row.payment;
+        }
+    }
+    return nullptr;
+}
+
+void ServiceDetailView::askPayment(const QString& title, const QString& amount, const QString& note,
+                                   PaymentApply apply) {
+    auto* dialog = new QDialog(this);
+    dialog->setWindowTitle(title);
+    dialog->setAccessibleName(title);
+    dialog->setWindowModality(Qt::WindowModal);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    auto* amountEdit = new QLineEdit(amount);
+    amountEdit->setAccessibleName(QStringLiteral("Amount"));
+    amountEdit->setPlaceholderText(QStringLiteral("15.00"));
+    auto* noteEdit = new QLineEdit(note);
+    noteEdit->setAccessibleName(QStringLiteral("Note"));
+    QLabel* error = PlainText::label();
+    makeRed(error);
+    error->hide();
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel);
+    auto* form = new QFormLayout;
+    form->addRow(QStringLiteral("Amount:"), amountEdit);
+    form->addRow(QString(), error);
+    form->addRow(QStringLiteral("Note:"), noteEdit);
+    auto* layout = new QVBoxLayout(dialog);
+    layout->addLayout(form);
+    layout->addWidget(buttons);
+    connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
+    connect(buttons, &QDialogButtonBox::accepted, dialog,
+            [dialog, amountEdit, noteEdit, error, apply = std::move(apply)] {
+                const std::optional<std::string> refusal =
+                    apply(toStdString(amountEdit->text()), toStdString(noteEdit->text()));
+                if (refusal) {
+                    // The typed text stays, to be corrected rather than typed again.
+                    error->setText(toQString(*refusal));
+                    error->show();
+                    amountEdit->setFocus();
+                    return;
+                }
+                dialog->accept();
+            });
+    amountEdit->setFocus();
+    dialog->open();
+}
+
+void ServiceDetailView::editPayment(const Uuid& id) {
+    const PaymentRecord* payment = paymentWithId(id);
+    if (payment == nullptr) {
+        return;
+    }
+    askPayment(
+        QStringLiteral("Edit Payment"), toQString(payment->amount.toString()),
+        toQString(payment->note), [this, id](const std::string& amount, const std::string& note) {
+            // Looked up again: the store may have changed while the sheet was open.
+            PaymentRecord* current = paymentWithId(id);
+            if (current == nullptr) {
+                return std::optional<std::string>();
+            }
+            if (std::optional<std::string> refusal = m_payments->setAmount(*current, amount)) {
+                return refusal;
+            }
+            if (PaymentRecord* again = paymentWithId(id); again && again->note != note) {
+                m_payments->setNote(*again, note);
+            }
+            return std::optional<std::string>();
+        });
+}
+
+void ServiceDetailView::confirmDeletePayment(const Uuid& id) {
+    const PaymentRecord* payment = paymentWithId(id);
+    if (payment == nullptr) {
+        return;
+    }
+    auto* box = new QMessageBox(QMessageBox::Warning, QStringLiteral("Delete Payment"),
+                                toQString(m_payments->deleteConfirmationMessage(*payment)),
+                                QMessageBox::NoButton, this);
+    box->setAccessibleName(QStringLiteral("Delete Payment"));
+    QPushButton* confirm = box->addButton(QStringLiteral("Delete"), QMessageBox::DestructiveRole);
+    QPushButton* cancel = box->addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole);
+    PlainText::apply(*box);
+    box->setDefaultButton(cancel);
+    box->setEscapeButton(cancel);
+    box->setWindowModality(Qt::WindowModal);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    connect(box, &QMessageBox::buttonClicked, this, [this, confirm, id](QAbstractButton* clicked) {
+        if (clicked != confirm) {
+            return;
+        }
+        if (PaymentRecord* current = paymentWithId(id)) {
+            m_payments->remove(*current);
+        }
+    });
+    box->open();
 }
 
 } // namespace vorlane

@@ -2,11 +2,14 @@
 #pragma once
 
 #include "screens/ServiceDetailScreen.h"
+#include "screens/ServicePayments.h"
 #include "util/ScopedConnection.h"
 
 #include <QWidget>
 
+#include <functional>
 #include <map>
+#include <optional>
 #include <vector>
 
 class QLabel;
@@ -21,9 +24,9 @@ struct ServiceRecord;
 class CapsuleLabel;
 
 // The service detail pane: draws a ServiceDetailScreen (header, actions bar, sections of rows)
-// and forwards the person's clicks to it. Rows are widgets updated in place while the screen's
-// layout stays the same, so that a button keeps the keyboard focus across a reveal or a copy.
-// Main thread; the context outlives it.
+// and forwards the person's clicks to it, followed by the service's payments (ServicePayments).
+// Rows are widgets updated in place while the screen's layout stays the same, so that a button
+// keeps the keyboard focus across a reveal or a copy. Main thread; the context outlives it.
 class ServiceDetailView : public QWidget {
     Q_OBJECT
 
@@ -52,9 +55,22 @@ private:
     void rebuildSections(const std::vector<ServiceDetailScreen::Section>& sections);
     QWidget* createRow(const ServiceDetailScreen::Row& row);
     void updateRow(const ServiceDetailScreen::Row& row);
+    void buildPayments(QVBoxLayout* layout);
+    void refreshPayments();
+    QWidget* createPaymentRow(const ServicePayments::Row& row);
+    // Asks for an amount and a note in a window-modal sheet; `apply` returns the error to show
+    // beside the amount (the sheet stays open then) or nothing, which closes it.
+    using PaymentApply =
+        std::function<std::optional<std::string>(const std::string&, const std::string&)>;
+    void askPayment(const QString& title, const QString& amount, const QString& note,
+                    PaymentApply apply);
+    void editPayment(const Uuid& id);
+    void confirmDeletePayment(const Uuid& id);
+    PaymentRecord* paymentWithId(const Uuid& id) const;
 
     AppContext& m_context;
     ServiceDetailScreen m_screen;
+    Uuid m_serviceId;
 
     QLabel* m_typeIcon;
     QLabel* m_title;
@@ -67,6 +83,14 @@ private:
     QVBoxLayout* m_sectionsLayout;
     Layout m_layout;
     std::map<ServiceDetailScreen::Field, RowWidgets> m_rows;
+
+    // Nothing when the service was not in the store as the view opened; left alone once the
+    // service has gone from it (deleted, the view about to close).
+    std::optional<ServicePayments> m_payments;
+    QLabel* m_paymentsTotal = nullptr;
+    QVBoxLayout* m_paymentsRows = nullptr;
+    // What the rows were drawn from, so that they are rebuilt only when it changed.
+    std::vector<std::string> m_paymentsDrawn;
 
     ScopedConnection m_screenConnection;
     ScopedConnection m_storeConnection;
