@@ -4,6 +4,7 @@
 #include "RunCommand.h"
 #include "ScreenFixture.h"
 #include "WidgetLookup.h"
+#include "components/PasswordGeneratorPopup.h"
 #include "components/StrengthMeter.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
@@ -332,6 +333,22 @@ TEST_F(ShareFlowTest, TheSheetShowsTheMeterAndTheWarningUnderThePassword) {
         showsLabel(sheet, QString::fromStdString(PasswordStrength::summary(*meter->estimate()))));
 
     QTest::keyClicks(field, QStringLiteral("-tq8#Vz!mR2pL"));
+    EXPECT_NE(meter->estimate()->level, PasswordStrength::Level::weak);
+    EXPECT_FALSE(showsLabel(sheet, warning));
+
+    // "Generate" puts the generator's candidate into the field, and the export uses it.
+    field->setText(QStringLiteral("summer2025"));
+    QPushButton* generate =
+        childNamed<QPushButton>(sheet, QStringLiteral("Generate export password"));
+    ASSERT_NE(generate, nullptr);
+    QTest::mouseClick(generate, Qt::LeftButton);
+    auto* popup = sheet.findChild<PasswordGeneratorPopup*>();
+    ASSERT_NE(popup, nullptr);
+    const std::string candidate = popup->screen().candidate();
+    ASSERT_FALSE(candidate.empty());
+    QTest::mouseClick(buttonTitled(*popup, QStringLiteral("Use Password")), Qt::LeftButton);
+    EXPECT_EQ(field->text().toStdString(), candidate);
+    EXPECT_EQ(sheet.flow().password, candidate);
     EXPECT_NE(meter->estimate()->level, PasswordStrength::Level::weak);
     EXPECT_FALSE(showsLabel(sheet, warning));
 }

@@ -3,6 +3,7 @@
 
 #include "ScreenFixture.h"
 #include "WidgetLookup.h"
+#include "components/PasswordGeneratorPopup.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 
@@ -56,6 +57,31 @@ TEST_F(SmartPasteSheetTest, APersonPastesReviewsChoosesTheClientAndSaves) {
     EXPECT_EQ(sheet.flow().step(), SmartPasteFlow::Step::done);
     ASSERT_EQ(acme.services.size(), 1U);
     EXPECT_EQ(store().getPassword(*acme.services.front()), "pw-123");
+}
+
+TEST_F(SmartPasteSheetTest, GenerateReplacesThePastedPasswordWithTheGeneratorsCandidate) {
+    Organization& acme = addOrganization("Acme");
+    SmartPasteSheet sheet(context(), &acme);
+    sheet.show();
+    pastedText(sheet)->setPlainText(QStringLiteral("Host: files.example\nPassword: pw-123\n"));
+    QTest::mouseClick(buttonTitled(sheet, QStringLiteral("Parse")), Qt::LeftButton);
+    ASSERT_EQ(sheet.flow().step(), SmartPasteFlow::Step::review);
+
+    QPushButton* generate = childNamed<QPushButton>(sheet, QStringLiteral("Generate Password"));
+    ASSERT_NE(generate, nullptr);
+    QTest::mouseClick(generate, Qt::LeftButton);
+    auto* popup = sheet.findChild<PasswordGeneratorPopup*>();
+    ASSERT_NE(popup, nullptr);
+    const std::string candidate = popup->screen().candidate();
+    ASSERT_FALSE(candidate.empty());
+    QTest::mouseClick(buttonTitled(*popup, QStringLiteral("Use Password")), Qt::LeftButton);
+    EXPECT_EQ(childNamed<QLineEdit>(sheet, QStringLiteral("Password"))->text().toStdString(),
+              candidate);
+
+    QTest::mouseClick(buttonTitled(sheet, QStringLiteral("Save Credential")), Qt::LeftButton);
+    ASSERT_EQ(sheet.flow().step(), SmartPasteFlow::Step::done);
+    ASSERT_EQ(acme.services.size(), 1U);
+    EXPECT_EQ(store().getPassword(*acme.services.front()), candidate);
 }
 
 // Each secret line of the notes gets its own choice, stored as the API key unless the person

@@ -5,6 +5,7 @@
 #include "SymbolIcon.h"
 #include "app/AppContext.h"
 #include "components/PaletteColor.h"
+#include "components/PasswordGeneratorPopup.h"
 #include "components/PlainText.h"
 #include "components/SheetFrame.h"
 #include "components/StepIndicator.h"
@@ -68,6 +69,7 @@ QDate localDate(Instant instant) {
 ShareSheet::ShareSheet(AppContext& context, Organization& organization,
                        std::vector<ServiceRecord*> services, QWidget* parent)
     : QDialog(parent)
+    , m_context(context)
     , m_flow(context.store, context.auth, context.state, context.calendar, organization,
              std::move(services))
     , m_frame(*this, toQString(m_flow.title()), SheetFrame::CloseButton::shown)
@@ -278,7 +280,20 @@ QWidget* ShareSheet::createConfigureStep() {
         refresh();
     });
     protection->addWidget(m_passwordLabel, 2, 0, 1, 2);
-    protection->addWidget(m_password, 3, 0, 1, 2);
+    auto* generate = new QPushButton(QStringLiteral("Generate"));
+    generate->setIcon(TintedIcon::ink("wand.and.stars", *generate));
+    generate->setAccessibleName(QStringLiteral("Generate export password"));
+    generate->setAutoDefault(false);
+    connect(generate, &QPushButton::clicked, this, [this, generate] {
+        // Setting the text goes through textChanged, so the flow and the meter follow.
+        PasswordGeneratorPopup::choose(m_context, generate, [this](std::string text) {
+            m_password->setText(toQString(text));
+        });
+    });
+    auto* passwordRow = new QHBoxLayout;
+    passwordRow->addWidget(m_password, 1);
+    passwordRow->addWidget(generate);
+    protection->addLayout(passwordRow, 3, 0, 1, 2);
     protection->addWidget(m_passwordMeter, 4, 0, 1, 2);
     protection->addWidget(m_passwordStrength, 5, 0, 1, 2);
     protection->addWidget(m_passwordWarning, 6, 0, 1, 2);

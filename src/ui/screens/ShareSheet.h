@@ -48,6 +48,7 @@ private:
     void fillSummary();
     void refresh();
 
+    AppContext& m_context;
     ShareFlow m_flow;
     FileChooser m_chooseFile;
 

@@ -5,8 +5,10 @@
 #include "SymbolIcon.h"
 #include "app/AppContext.h"
 #include "app/Clipboard.h"
+#include "components/PasswordGeneratorPopup.h"
 #include "components/PlainText.h"
 #include "components/SheetFrame.h"
+#include "components/TintedIcon.h"
 #include "model/Organization.h"
 #include "paste/PasteParser.h"
 
@@ -200,7 +202,33 @@ QWidget* SmartPasteSheet::createReviewStep() {
             }
         });
         m_fieldEdits.push_back(edit);
-        addRow(toQString(field.label), edit, mark);
+        if (!field.isSecure) {
+            addRow(toQString(field.label), edit, mark);
+            continue;
+        }
+        auto* generate = new QPushButton(QStringLiteral("Generate"));
+        generate->setIcon(TintedIcon::ink("wand.and.stars", *generate));
+        generate->setAccessibleName(QStringLiteral("Generate ") + toQString(field.label));
+        generate->setAutoDefault(false);
+        connect(generate, &QPushButton::clicked, this, [this, member, mark, edit, generate] {
+            PasswordGeneratorPopup::choose(
+                m_context, generate, [this, member, mark, edit](std::string text) {
+                    if (ParsedCredential* parsed = m_flow.editableParsed()) {
+                        edit->setText(toQString(text));
+                        parsed->*member = std::move(text);
+                        mark->setVisible(true);
+                        refresh();
+                    }
+                });
+        });
+        auto* withGenerate = new QWidget;
+        auto* line = new QHBoxLayout(withGenerate);
+        line->setContentsMargins(0, 0, 0, 0);
+        line->addWidget(edit, 1);
+        line->addWidget(generate);
+        // The label reads and focuses the field itself, not the pair.
+        addRow(toQString(field.label), withGenerate, mark)->setBuddy(edit);
+        edit->setAccessibleName(toQString(field.label));
     }
 
     m_secretLines = new QWidget;
