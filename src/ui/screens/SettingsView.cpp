@@ -15,6 +15,7 @@
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QLabel>
+#include <QScrollArea>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
@@ -146,7 +147,16 @@ QWidget* SettingsView::securityTab() {
 }
 
 QWidget* SettingsView::notificationsTab() {
+    // More than the sheet's fixed height holds once the reminder choices and the calendar file's
+    // instructions are there: the tab scrolls rather than squeezing its rows.
+    auto* scroll = new QScrollArea;
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidgetResizable(true);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->viewport()->setAutoFillBackground(false);
     auto* tab = new QWidget;
+    tab->setAutoFillBackground(false);
+    scroll->setWidget(tab);
     QVBoxLayout* layout = tabLayout(tab);
     QFormLayout* warnings = section(layout, SettingsScreen::warningsSection);
     m_warningDays = picker(
@@ -161,7 +171,7 @@ QWidget* SettingsView::notificationsTab() {
     QFormLayout* note = section(layout, {});
     note->addRow(caption(toQString(SettingsScreen::notificationsText)));
     layout->addStretch(1);
-    return tab;
+    return scroll;
 }
 
 void SettingsView::reload() {
