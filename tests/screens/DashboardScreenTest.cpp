@@ -47,7 +47,7 @@ TEST_F(DashboardScreenTest, EmptyVaultShowsZerosFormattedAmountsAndNoRows) {
         stats.push_back(card.title + "=" + card.value);
     }
     EXPECT_THAT(stats, ElementsAre("Organizations=0", "Active Services=0", "Monthly Spend=$0",
-                                   "Yearly Estimate=$0"));
+                                   "Yearly Estimate=$0", "Due in the Next 30 Days=$0"));
     EXPECT_FALSE(dashboard.showsAlerts());
     EXPECT_TRUE(dashboard.expiringThisMonth().empty());
     EXPECT_TRUE(dashboard.recentlyUpdated().empty());
@@ -72,7 +72,7 @@ TEST_F(DashboardScreenTest, StatsCountOrganizationsThatAreNotArchivedAndUseTheSt
     archiveFlag(old);
 
     const DashboardScreen dashboard = screen();
-    ASSERT_EQ(dashboard.stats().size(), 4U);
+    ASSERT_EQ(dashboard.stats().size(), 5U);
     EXPECT_EQ(dashboard.stats()[0].value, "1");
     // Active services count whatever the organization; money skips the archived one.
     EXPECT_EQ(dashboard.stats()[1].value, "2");
@@ -138,6 +138,36 @@ TEST_F(DashboardScreenTest, RecentlyUpdatedKeepsTheFiveLatestNewestFirstAndTitle
     store().noteChanged(c);
     dashboard.reload();
     EXPECT_THAT(titlesOf(dashboard.recentlyUpdated()), ElementsAre("C", "B", "G", "D", "E"));
+}
+
+TEST_F(DashboardScreenTest, DueInTheNextThirtyDaysAddsEachChargeFallingDueInTheWindow) {
+    Organization& acme = addOrganization("Acme");
+    const auto due = [&](const std::string& title, BillingCycle cycle, Instant date,
+                         const char* yearly, const char* monthly) -> ServiceRecord& {
+        return addService(acme, title, [&](ServiceRecord& service) {
+            service.setBillingCycle(cycle);
+            service.expirationDate = date;
+            if (yearly != nullptr) {
+                service.yearlyCost = money(yearly);
+            }
+            if (monthly != nullptr) {
+                service.monthlyCost = money(monthly);
+            }
+        });
+    };
+    // A year's charge, not its monthly share.
+    due("Domain", BillingCycle::annual, daysFromNow(5), "15", nullptr);
+    // Expires after the window, but its previous monthly charge falls inside it.
+    due("VPS", BillingCycle::monthly, daysFromNow(40), nullptr, "10");
+    // Three months' charge, just inside the window's end; the next one just outside.
+    due("Backups", BillingCycle::quarterly, daysFromNow(30, -1min), nullptr, "2");
+    due("Hosting", BillingCycle::annual, daysFromNow(30), "100", nullptr);
+    due("Lapsed", BillingCycle::annual, daysFromNow(-1), "40", nullptr);
+    archiveFlag(due("Archived", BillingCycle::annual, daysFromNow(2), "50", nullptr));
+
+    const DashboardScreen dashboard = screen();
+    ASSERT_EQ(dashboard.stats().size(), 5U);
+    EXPECT_EQ(dashboard.stats()[4].accessibleText(), "Due in the Next 30 Days: $31");
 }
 
 TEST_F(DashboardScreenTest, CostsDueFallInTheMonthOfEachRenewalAlongTheCycle) {

@@ -4,6 +4,8 @@
 #include "app/AppState.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
+#include "money/ChargePerPeriod.h"
+#include "money/RenewalDates.h"
 #include "store/DataStore.h"
 #include "util/CurrencyFormat.h"
 #include "util/UserCalendar.h"
@@ -77,11 +79,33 @@ void DashboardScreen::reload() {
          Palette::Color::blue},
         {"Yearly Estimate", currencyFormatted(m_store.totalYearlyCost()), "calendar",
          Palette::Color::purple},
+        {std::string(dueSoonTitle), currencyFormatted(dueSoon()), "creditcard",
+         Palette::Color::orange},
     };
     makeAlerts();
     m_expiring = m_store.fetchExpiringSoon(listHorizonDays);
     makeRecent();
     makeCostsDue();
+}
+
+Decimal DashboardScreen::dueSoon() const {
+    const Instant now = m_calendar.now();
+    const std::optional<Instant> end =
+        m_calendar.adding(UserCalendar::Unit::day, listHorizonDays, now);
+    Decimal due;
+    if (!end) {
+        return due;
+    }
+    // Every charge falling in the window: a monthly service can fall due more than once in it.
+    for (const ServiceRecord* service : m_store.fetchAllServices(false)) {
+        const Decimal charge = chargePerPeriod(*service);
+        if (charge.isZero() || charge.isNegative()) {
+            continue;
+        }
+        const auto dates = renewalDatesBetween(*service, now, *end, m_calendar);
+        due += charge * Decimal(static_cast<std::int64_t>(dates.size()));
+    }
+    return due;
 }
 
 void DashboardScreen::makeAlerts() {

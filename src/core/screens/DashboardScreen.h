@@ -4,6 +4,7 @@
 #include "model/ExpirationState.h"
 #include "screens/ChartBar.h"
 #include "screens/StatCard.h"
+#include "util/Decimal.h"
 
 #include <cstddef>
 #include <string>
@@ -38,6 +39,9 @@ public:
     static constexpr std::string_view viewAllTitle = "View All";
     static constexpr std::string_view recentTitle = "Recently Updated";
     static constexpr std::string_view chartTitle = "Costs Due by Month";
+    // The stat card of the charges (each billing period's amount) falling due from now to
+    // `listHorizonDays` days on, archived services left out.
+    static constexpr std::string_view dueSoonTitle = "Due in the Next 30 Days";
     static constexpr std::string_view expiringEmptyText = "Nothing expires in the next 30 days.";
     static constexpr std::string_view recentEmptyText = "No services yet.";
     static constexpr std::string_view chartEmptyText =
@@ -90,6 +94,7 @@ private:
     void makeAlerts();
     void makeRecent();
     void makeCostsDue();
+    Decimal dueSoon() const;
 
     DataStore& m_store;
     AppState& m_state;

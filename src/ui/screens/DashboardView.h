@@ -45,7 +45,7 @@ private:
 
     AppContext& m_context;
     DashboardScreen m_screen;
-    std::array<StatCardView*, 4> m_stats{};
+    std::array<StatCardView*, 5> m_stats{};
     BarChart* m_chart;
     QLabel* m_chartEmpty;
     SectionHeader* m_alertsHeader;
