@@ -151,6 +151,41 @@ TEST_F(SmartPasteFlowTest, SecretLinesOfTheNotesGoToTheKeyringAsTheAPIKeyNotToTh
     }
 }
 
+TEST_F(SmartPasteFlowTest, AnOtpauthURIInTheTextBecomesTheOneTimeCodeNeverNotesOrAddress) {
+    Organization& acme = addOrganization("Acme");
+    SmartPasteFlow flow = flowFor(&acme);
+    const std::string uri =
+        "otpauth://totp/Acme:ops@acme.example?secret=JBSWY3DPEHPK3PXP&issuer=Acme";
+    // A broken URI first: only a valid one is taken.
+    flow.setRawText("Host: panel.acme.example\nUsername: ops\nPassword: Vx7#qLm2pT-unique\n"
+                    "Old: otpauth://totp/x?secret=1\n2FA: " +
+                    uri + "\nKeyboard layout: German\n");
+    flow.parse();
+    EXPECT_EQ(flow.oneTimeCode(), uri);
+    EXPECT_EQ(flow.parsed()->notes.find("JBSWY3DPEHPK3PXP"), std::string::npos)
+        << flow.parsed()->notes;
+    EXPECT_NE(flow.parsed()->notes.find("Keyboard layout: German"), std::string::npos);
+    EXPECT_EQ(flow.parsed()->loginURL.find("otpauth"), std::string::npos);
+
+    ServiceRecord* saved = flow.save();
+    ASSERT_NE(saved, nullptr);
+    EXPECT_FALSE(saved->totpKeychainID.empty());
+    EXPECT_EQ(store().getTOTPSecret(*saved), uri);
+    const std::string vault = m_folder.filePath(QStringLiteral("vault.sqlite")).toStdString();
+    const std::string bytes = readFile(vault) + readFile(vault + "-wal");
+    EXPECT_NE(bytes.find("Keyboard layout: German"), std::string::npos);
+    EXPECT_EQ(bytes.find("JBSWY3DPEHPK3PXP"), std::string::npos);
+
+    // Text without one leaves the service without a one-time code.
+    SmartPasteFlow plain = flowFor(&acme);
+    plain.setRawText("Host: mail.acme.example\nPassword: pw-123\n");
+    plain.parse();
+    EXPECT_EQ(plain.oneTimeCode(), "");
+    ServiceRecord* second = plain.save();
+    ASSERT_NE(second, nullptr);
+    EXPECT_TRUE(second->totpKeychainID.empty());
+}
+
 TEST_F(SmartPasteFlowTest, ALineKeptInNotesStaysThereAndANewParseForgetsTheChoice) {
     Organization& acme = addOrganization("Acme");
     SmartPasteFlow flow = flowFor(&acme);

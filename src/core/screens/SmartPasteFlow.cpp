@@ -5,6 +5,7 @@
 #include "model/ServiceRecord.h"
 #include "paste/PasteParser.h"
 #include "store/DataStore.h"
+#include "totp/TotpSecret.h"
 #include "util/DateText.h"
 #include "util/UserCalendar.h"
 #include "util/Whitespace.h"
@@ -89,6 +90,22 @@ std::vector<std::string> wordsOf(std::string_view label) {
         words.push_back(std::move(word));
     }
     return words;
+}
+
+// The first "otpauth://" URI in the text that is a valid one-time code secret, up to the
+// whitespace or quote that ends it; empty when there is none.
+std::string oneTimeCodeIn(std::string_view text) {
+    constexpr std::string_view scheme = "otpauth://";
+    for (std::size_t at = text.find(scheme); at != std::string_view::npos;
+         at = text.find(scheme, at + scheme.size())) {
+        const std::size_t end = text.find_first_of(" \t\r\n\"'<>", at);
+        const std::string_view uri =
+            text.substr(at, end == std::string_view::npos ? end : end - at);
+        if (TotpSecret::isValid(uri)) {
+            return std::string(uri);
+        }
+    }
+    return {};
 }
 
 std::vector<std::string> notesLines(std::string_view notes) {
@@ -221,6 +238,19 @@ bool SmartPasteFlow::applyParse(const std::string& parsedFrom, ParsedCredential 
     if (m_step != Step::paste || parsedFrom != m_rawText) {
         return false;
     }
+    m_oneTimeCode = oneTimeCodeIn(parsedFrom);
+    if (!m_oneTimeCode.empty()) {
+        std::string notes;
+        for (const std::string& line : notesLines(parsed.notes)) {
+            if (line.find(m_oneTimeCode) == std::string::npos) {
+                notes += (notes.empty() ? "" : "\n") + line;
+            }
+        }
+        parsed.notes = std::move(notes);
+        if (parsed.loginURL.find("otpauth:") != std::string::npos) {
+            parsed.loginURL.clear();
+        }
+    }
     m_parsed = std::move(parsed);
     m_keptInNotes.clear();
     m_step = Step::review;
@@ -272,7 +302,16 @@ ServiceRecord* SmartPasteFlow::save() {
     if (!apiKey.empty()) {
         record.apiKeyKeychainID = ServiceRecord::makeAPIKeyKeychainID();
     }
+    if (!m_oneTimeCode.empty()) {
+        record.totpKeychainID = ServiceRecord::makeTOTPKeychainID();
+    }
     ServiceRecord& saved = m_store.insert(std::move(record), *m_selectedOrg);
+    if (!m_oneTimeCode.empty() && !m_store.setTOTPSecret(m_oneTimeCode, saved)) {
+        // Not written anywhere: the URI goes back into the notes rather than being lost.
+        saved.notes += (saved.notes.empty() ? "" : "\n") + m_oneTimeCode;
+        saved.totpKeychainID.clear();
+        m_store.noteChanged(saved);
+    }
     if (!parsed.password.empty()) {
         // A refusal leaves the record without a stored password; the credential is still kept.
         m_store.setPassword(parsed.password, saved);

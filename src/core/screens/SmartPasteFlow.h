@@ -79,6 +79,11 @@ public:
     static constexpr const char* storeAsAPIKeyTitle = "Store as API Key";
     static constexpr const char* keepInNotesTitle = "Keep in Notes";
 
+    // The first valid "otpauth://" URI anywhere in the parsed text, stored as the service's
+    // one-time code secret; empty when there is none. The parser knows nothing of these, so the
+    // flow takes the URI out of the notes and the login address, where it would sit in the clear.
+    const std::string& oneTimeCode() const { return m_oneTimeCode; }
+
     // "Detected Date" value; nothing when no date was detected.
     std::optional<std::string> detectedDateText() const;
 
@@ -108,6 +113,7 @@ private:
     Organization* m_selectedOrg;
     std::string m_rawText;
     std::optional<ParsedCredential> m_parsed;
+    std::string m_oneTimeCode;
     // Secret lines the user chose to keep in the notes; every other one is stored as API key.
     std::set<std::string> m_keptInNotes;
     Step m_step = Step::paste;
