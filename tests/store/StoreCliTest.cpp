@@ -6,6 +6,7 @@
 #include "util/SystemClock.h"
 
 #include <nlohmann/json.hpp>
+#include <sys/stat.h>
 
 #include <chrono>
 #include <sstream>
@@ -97,6 +98,52 @@ TEST_F(StoreCliTest, ExpiringAndExpiredUseTheWallClock) {
     EXPECT_EQ(people.out.find('{'), std::string::npos);
 }
 
+TEST_F(StoreCliTest, CalendarHoldsEveryServiceNotArchivedWithAnExpirationInCrlfLines) {
+    const Instant now = SystemClock().now();
+    Organization& owner = open().insert(Organization::created(now));
+    std::vector<std::string> listed;
+    for (const auto& [title, archived] : std::vector<std::pair<std::string, bool>>{
+             {"kept.com", false}, {"also.com", false}, {"archived.com", true}}) {
+        ServiceRecord& service = addService(owner, title);
+        change(service, [&](ServiceRecord& s) {
+            s.expirationDate = now + 24h * 40;
+            s.isArchived = archived;
+        });
+        if (!archived) {
+            listed.push_back("UID:" + service.id.toString() + "@vorlane");
+        }
+    }
+    const std::string undated = addService(owner, "undated.com").id.toString();
+    ASSERT_TRUE(m_store->save());
+    m_store.reset();
+
+    const CommandRun out = cli("--vault " + shellWord(m_path) + " calendar -");
+    ASSERT_EQ(out.status, 0) << out.err;
+    EXPECT_TRUE(out.out.starts_with("BEGIN:VCALENDAR\r\n")) << out.out;
+    std::size_t events = 0;
+    for (std::size_t at = out.out.find("BEGIN:VEVENT"); at != std::string::npos;
+         at = out.out.find("BEGIN:VEVENT", at + 1)) {
+        ++events;
+    }
+    EXPECT_EQ(events, 2u);
+    for (const std::string& uid : listed) {
+        EXPECT_NE(out.out.find(uid), std::string::npos) << uid;
+    }
+    EXPECT_EQ(out.out.find(undated), std::string::npos);
+    for (std::size_t at = out.out.find('\n'); at != std::string::npos;
+         at = out.out.find('\n', at + 1)) {
+        ASSERT_TRUE(at > 0 && out.out[at - 1] == '\r') << "a bare line feed at " << at;
+    }
+
+    const std::string file = m_path + ".ics";
+    const CommandRun written = cli("--vault " + shellWord(m_path) + " calendar " + shellWord(file));
+    ASSERT_EQ(written.status, 0) << written.err;
+    struct stat mode {};
+    ASSERT_EQ(::stat(file.c_str(), &mode), 0);
+    EXPECT_EQ(mode.st_mode & 0777, 0600u);
+    EXPECT_NE(fileBytes(file).find(listed.front()), std::string::npos);
+}
+
 TEST_F(StoreCliTest, ErrorsGoToStderrWithAStatus) {
     std::ofstream(m_path) << "not a vault";
     const CommandRun refused = cli("--vault " + shellWord(m_path) + " --json totals");
@@ -110,7 +157,7 @@ TEST_F(StoreCliTest, ErrorsGoToStderrWithAStatus) {
 
     for (const char* wrong :
          {"expiring --within soon", "expiring --within -1", "search", "expired now", "demo",
-          "demo x --services 0", "demo --no-such-option"}) {
+          "demo x --services 0", "demo --no-such-option", "calendar a b"}) {
         const CommandRun run = cli("--vault " + shellWord(m_path) + " --json " + wrong);
         EXPECT_EQ(run.status, 2) << wrong;
         EXPECT_FALSE(run.err.empty()) << wrong;
