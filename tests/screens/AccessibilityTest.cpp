@@ -4,6 +4,7 @@
 #include "WidgetLookup.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
+#include "screens/ImportSheet.h"
 #include "screens/OrganizationFormSheet.h"
 #include "screens/ServiceFormSheet.h"
 #include "screens/ShareSheet.h"
@@ -321,6 +322,18 @@ TEST_F(AccessibilityTest, TheSheetsTabInReadingOrderAndTheirLaterStepsAreNamed) 
     QTest::mouseClick(buttonTitled(share, QStringLiteral("Review")), Qt::LeftButton);
     expectEverythingNamed(share, QStringLiteral("share, review step"));
     expectReadingOrder(share, QStringLiteral("share, review step"));
+
+    ImportSheet import(context());
+    import.show();
+    expectEverythingNamed(import, QStringLiteral("import, file step"));
+    expectReadingOrder(import, QStringLiteral("import, file step"));
+    import.chooseFile(QStringLiteral(VORLANE_TEST_DATA "/../../import/lastpass.csv"));
+    ASSERT_EQ(import.flow().step(), ImportFlow::Step::preview);
+    expectEverythingNamed(import, QStringLiteral("import, preview step"));
+    expectReadingOrder(import, QStringLiteral("import, preview step"));
+    QTest::mouseClick(buttonTitled(import, QStringLiteral("Import")), Qt::LeftButton);
+    ASSERT_TRUE(waitFor([&] { return import.flow().step() == ImportFlow::Step::done; }));
+    expectEverythingNamed(import, QStringLiteral("import, summary"));
 }
 
 // Presses Tab until `reached` holds for the focused widget, at most a window's worth of stops.

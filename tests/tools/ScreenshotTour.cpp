@@ -18,6 +18,7 @@
 #include "auth/AuthManager.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
+#include "screens/ImportSheet.h"
 #include "screens/SettingsScreen.h"
 #include "secrets/KeychainManager.h"
 #include "store/DataStore.h"
@@ -159,6 +160,48 @@ void walkShare(QDialog* sheet, const QString& folder) {
     save(sheet, folder, QStringLiteral("sheet-share-confirm"));
 }
 
+// Imports a small spreadsheet written beside the pictures: rows for a new client, an existing
+// one, none (the fallback organization), a copy of a service already in the vault (a duplicate)
+// and a date that does not parse (rejected); pictures the file, the preview and the summary.
+void walkImport(MainWindow& window, const DataStore& store, const QString& folder) {
+    QString csv = QStringLiteral(
+        "organization,title,serviceType,hostname,username,password,expirationDate\n"
+        "Northwind Hosting,Northwind VPS,vps,vps1.northwind.example,root,Vx7-pass,2027-03-15\n"
+        ",Router at home,,router.home.example,admin,rt-pass,\n"
+        "Northwind Hosting,Broken date,,x.northwind.example,u,p,2027-13-45\n");
+    const std::vector<ServiceRecord*> services = store.fetchAllServices();
+    if (!services.empty() && services.front()->organization != nullptr) {
+        const ServiceRecord& copy = *services.front();
+        csv += QStringLiteral("\"%1\",\"%2\",,%3,%4,,\n")
+                   .arg(QString::fromStdString(copy.organization->name),
+                        QString::fromStdString(copy.title), QString::fromStdString(copy.hostname),
+                        QString::fromStdString(copy.username));
+    }
+    const QString path = folder + QStringLiteral("/tour-import.csv");
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(csv.toUtf8()) < 0) {
+        return;
+    }
+    file.close();
+    window.showImportSheet();
+    auto* sheet = window.findChild<ImportSheet*>();
+    if (sheet == nullptr) {
+        return;
+    }
+    save(sheet, folder, QStringLiteral("sheet-import-file"));
+    sheet->chooseFile(path);
+    save(sheet, folder, QStringLiteral("sheet-import-preview"));
+    if (QPushButton* import = button(sheet, QStringLiteral("Import"))) {
+        import->click();
+    }
+    for (int i = 0; i < 100 && sheet->flow().step() != ImportFlow::Step::done; ++i) {
+        QTest::qWait(50);
+    }
+    save(sheet, folder, QStringLiteral("sheet-import-done"));
+    sheet->reject();
+    QFile::remove(path);
+}
+
 } // namespace
 
 int main(int argc, char* argv[]) {
@@ -293,6 +336,7 @@ int main(int argc, char* argv[]) {
             dialog->reject();
         }
     }
+    walkImport(window, store, folder);
     settle();
     return 0;
 }

@@ -181,6 +181,7 @@ QWidget* ImportSheet::createPreviewStep() {
     m_table->setSelectionMode(QAbstractItemView::SingleSelection);
     m_table->verticalHeader()->hide();
     m_table->horizontalHeader()->setStretchLastSection(true);
+    m_table->horizontalHeader()->setAccessibleName(QStringLiteral("Columns"));
     m_table->setWordWrap(false);
     layout->addWidget(m_table, 1);
 
@@ -326,12 +327,12 @@ void ImportSheet::refresh() {
     }
     m_frame.subtitle()->setText(subtitle);
     m_frame.main()->setText(main);
-    m_frame.main()->setEnabled(step == ImportFlow::Step::chooseFile ||
-                               step == ImportFlow::Step::done || m_flow.canImport());
-
     const bool done = step == ImportFlow::Step::done;
+    m_frame.main()->setEnabled(step == ImportFlow::Step::chooseFile || done || m_flow.canImport());
+
     m_progress->setValue(static_cast<int>(m_flow.progress() * 1000));
     m_progressText->setText(toQString(m_flow.progressText()));
+    m_progressText->setVisible(!done);
     m_summary->setVisible(done);
     m_details->setVisible(done);
     m_advice->setVisible(done);
@@ -343,8 +344,8 @@ void ImportSheet::refresh() {
             lines << QStringLiteral("Stopped: ") + toQString(report.failure);
         }
         for (const ImportReport::Rejected& rejected : report.rejected) {
-            lines << QStringLiteral("Line %1, %2: %3")
-                         .arg(rejected.line)
+            // The reason names the line or element already.
+            lines << QStringLiteral("Rejected: %1 \u2014 %2")
                          .arg(toQString(rejected.title), toQString(rejected.reason));
         }
         for (const std::string& sentence : report.notImported) {
