@@ -5,6 +5,7 @@
 #include "MainWindow.h"
 #include "ScreenFixture.h"
 #include "WidgetLookup.h"
+#include "components/PasswordGeneratorPopup.h"
 #include "model/Organization.h"
 #include "model/PaymentRecord.h"
 #include "model/ServiceRecord.h"
@@ -81,13 +82,20 @@ TEST_F(ServiceScreensWidgetTest, TheSheetShowsWhatIsWrongBesideTheFieldAndSavesW
     port->clear();
     QTest::keyClicks(port, QStringLiteral("443"));
     EXPECT_FALSE(showsLabel(sheet, portError));
+    // "Generate" offers the generator's candidate; using it fills the field and is what is saved.
     childNamed<QPushButton>(sheet, QStringLiteral("Generate Password"))->click();
-    EXPECT_EQ(childNamed<QLineEdit>(sheet, QStringLiteral("Password"))->text().size(), 20);
+    auto* popup = sheet.findChild<PasswordGeneratorPopup*>();
+    ASSERT_NE(popup, nullptr);
+    const std::string candidate = popup->screen().candidate();
+    ASSERT_FALSE(candidate.empty());
+    QTest::mouseClick(buttonTitled(*popup, QStringLiteral("Use Password")), Qt::LeftButton);
+    EXPECT_EQ(childNamed<QLineEdit>(sheet, QStringLiteral("Password"))->text().toStdString(),
+              candidate);
     QTest::keyClick(port, Qt::Key_Return);
     EXPECT_EQ(sheet.result(), QDialog::Accepted) << "Return presses the save button";
     ASSERT_EQ(acme.services.size(), 1U);
     EXPECT_EQ(acme.services.front()->port, 443);
-    EXPECT_EQ(store().getPassword(*acme.services.front())->size(), 20U);
+    EXPECT_EQ(store().getPassword(*acme.services.front()), candidate);
 }
 
 // The open sheet titled `title`: a closed one lingers until the event loop deletes it.
