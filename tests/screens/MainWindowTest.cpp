@@ -3,15 +3,20 @@
 
 #include "ScreenFixture.h"
 #include "model/Organization.h"
+#include "screens/ImportSheet.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QCoreApplication>
 #include <QDialog>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QTimer>
+#include <QToolButton>
 
 namespace vorlane::testing {
 namespace {
@@ -55,6 +60,45 @@ TEST_F(MainWindowTest, OpensOnTheDashboardAndACommandRaisesItsSheet) {
     EXPECT_TRUE(m_state.showingNewService());
     ASSERT_NE(window.sheet(Sheet::newService), nullptr);
     EXPECT_TRUE(window.sheet(Sheet::newService)->isVisible());
+}
+
+// File → Import… and the toolbar's Add menu open the same window-modal sheet, one at a time;
+// closed, it goes, and the next command opens a fresh one.
+TEST_F(MainWindowTest, ImportOpensOneSheetFromTheMenuOrTheAddMenu) {
+    MainWindow window(context());
+    window.show();
+    QAction* import = command(window, QStringLiteral("Import\u2026"));
+    ASSERT_NE(import, nullptr);
+    EXPECT_EQ(import->shortcut(), QKeySequence(QStringLiteral("Ctrl+Shift+I")));
+    import->trigger();
+    import->trigger();
+    const QList<ImportSheet*> sheets = window.findChildren<ImportSheet*>();
+    ASSERT_EQ(sheets.size(), 1);
+    EXPECT_TRUE(sheets.front()->isVisible());
+    EXPECT_EQ(sheets.front()->windowModality(), Qt::WindowModal);
+
+    QPointer<ImportSheet> first = sheets.front();
+    first->reject();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(first.isNull());
+
+    QToolButton* add = nullptr;
+    QAction* fromAdd = nullptr;
+    for (QToolButton* button : window.findChildren<QToolButton*>()) {
+        if (button->accessibleName() == QStringLiteral("Add") && button->menu() != nullptr) {
+            add = button;
+        }
+    }
+    ASSERT_NE(add, nullptr);
+    for (QAction* action : add->menu()->actions()) {
+        if (action->text() == QStringLiteral("Import\u2026")) {
+            fromAdd = action;
+        }
+    }
+    ASSERT_NE(fromAdd, nullptr);
+    fromAdd->trigger();
+    ASSERT_EQ(window.findChildren<ImportSheet*>().size(), 1);
+    EXPECT_TRUE(window.findChild<ImportSheet*>()->isVisible());
 }
 
 TEST_F(MainWindowTest, ClosingASheetClearsItsFlagAndClearingTheFlagClosesIt) {
