@@ -71,6 +71,19 @@ TEST_F(ImportSheetTest, AKeePassExportComesInThroughTheThreeSteps) {
     EXPECT_TRUE(labelText(sheet, QStringLiteral("Error"))
                     .startsWith(QStringLiteral("This Bitwarden export is encrypted.")));
 
+    // A format picked by hand is the one the file is read as.
+    auto* format = childNamed<QComboBox>(sheet, QStringLiteral("Format"));
+    ASSERT_NE(format, nullptr);
+    const int lastPass = format->findText(QStringLiteral("LastPass CSV"));
+    ASSERT_GT(lastPass, 0);
+    format->setCurrentIndex(lastPass);
+    Q_EMIT format->activated(lastPass);
+    sheet.chooseFile(fixture("keepassxc-keepass-export.xml"));
+    EXPECT_EQ(sheet.flow().step(), ImportFlow::Step::chooseFile);
+    EXPECT_FALSE(labelText(sheet, QStringLiteral("Error")).isEmpty());
+    format->setCurrentIndex(0);
+    Q_EMIT format->activated(0);
+
     sheet.chooseFile(fixture("keepassxc-keepass-export.xml"));
     ASSERT_EQ(sheet.flow().step(), ImportFlow::Step::preview);
     EXPECT_FALSE(childNamed<QLabel>(sheet, QStringLiteral("Error"))->isVisibleTo(&sheet));
