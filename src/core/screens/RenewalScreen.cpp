@@ -8,6 +8,7 @@
 #include "model/ServiceRecord.h"
 #include "model/TimeGroup.h"
 #include "money/ChargePerPeriod.h"
+#include "screens/ServicePayments.h"
 #include "store/DataStore.h"
 #include "util/CurrencyFormat.h"
 
@@ -121,15 +122,9 @@ std::optional<std::string> RenewalScreen::editRenewalAmount(std::string_view tex
     if (payment == nullptr) {
         return std::nullopt;
     }
-    while (!text.empty() && text.front() == ' ') {
-        text.remove_prefix(1);
-    }
-    while (!text.empty() && text.back() == ' ') {
-        text.remove_suffix(1);
-    }
-    const std::optional<Decimal> amount = Decimal::fromString(text);
-    if (!amount || amount->isNegative()) {
-        return std::string("Not a valid amount");
+    const std::optional<Decimal> amount = ServicePayments::amountOf(text);
+    if (!amount) {
+        return std::string(ServicePayments::invalidAmount);
     }
     payment->amount = *amount;
     m_context.store.noteChanged(*payment);

@@ -6,6 +6,7 @@
 #include "util/CurrencyFormat.h"
 #include "util/DateText.h"
 #include "util/UserCalendar.h"
+#include "util/Whitespace.h"
 
 namespace vorlane {
 
@@ -46,13 +47,7 @@ void ServicePayments::rebuild() {
 }
 
 std::optional<Decimal> ServicePayments::amountOf(std::string_view text) {
-    while (!text.empty() && text.front() == ' ') {
-        text.remove_prefix(1);
-    }
-    while (!text.empty() && text.back() == ' ') {
-        text.remove_suffix(1);
-    }
-    const std::optional<Decimal> amount = Decimal::fromString(text);
+    const std::optional<Decimal> amount = Decimal::fromString(trimmed(text));
     if (!amount || amount->isNegative()) {
         return std::nullopt;
     }

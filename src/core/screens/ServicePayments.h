@@ -51,9 +51,11 @@ public:
     std::string deleteConfirmationMessage(const PaymentRecord& payment) const;
     void remove(PaymentRecord& payment);
 
-private:
+    // An amount as typed for a payment, wherever one is corrected: plain decimal text, not
+    // negative, white space around it ignored. Nothing for anything else.
     static std::optional<Decimal> amountOf(std::string_view text);
 
+private:
     DataStore& m_store;
     ServiceRecord& m_service;
     const UserCalendar& m_calendar;
