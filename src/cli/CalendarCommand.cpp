@@ -3,7 +3,7 @@
 
 #include "CliVault.h"
 #include "QtPreferenceStore.h"
-#include "calendar/RenewalsCalendar.h"
+#include "calendar/RenewalsCalendarFile.h"
 #include "util/PrivateFile.h"
 
 #include <QCoreApplication>
@@ -35,9 +35,8 @@ int CalendarCommand::run(CliInvocation& invocation) {
     QCoreApplication::setOrganizationName(QStringLiteral("Vorlane"));
     QCoreApplication::setApplicationName(QStringLiteral("vorlane"));
     const QtPreferenceStore preferences;
-    const RenewalsCalendar::Written calendar = RenewalsCalendar::write(
-        vault->store().fetchAllServices(false), ReminderSettings::read(preferences),
-        vault->calendar(), vault->calendar().now());
+    const RenewalsCalendar::Written calendar =
+        RenewalsCalendarFile::build(vault->store(), preferences, vault->calendar());
     if (arguments.empty() || arguments[0] == "-") {
         invocation.out << calendar.text << std::flush;
         return 0;

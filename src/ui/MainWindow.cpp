@@ -6,7 +6,8 @@
 #include "app/AppContext.h"
 #include "app/AppState.h"
 #include "auth/AuthManager.h"
-#include "calendar/RenewalsCalendar.h"
+#include "calendar/RenewalsCalendarFile.h"
+#include "components/PlainText.h"
 #include "screens/ImportSheet.h"
 #include "screens/SidebarView.h"
 #include "store/DataStore.h"
@@ -341,13 +342,16 @@ void MainWindow::exportRenewalsCalendar() {
     if (path.isEmpty()) {
         return;
     }
-    const RenewalsCalendar::Written calendar = RenewalsCalendar::write(
-        m_context.store.fetchAllServices(false), ReminderSettings::read(m_context.preferences),
-        m_context.calendar, m_context.calendar.now());
+    const RenewalsCalendar::Written calendar =
+        RenewalsCalendarFile::build(m_context.store, m_context.preferences, m_context.calendar);
     if (const auto error = PrivateFile::write(path.toStdString(), calendar.text)) {
-        QMessageBox::warning(
-            this, QStringLiteral("Export Renewals Calendar"),
-            QStringLiteral("The calendar could not be written: %1").arg(toQString(*error)));
+        // The reason names the chosen path, which is the user's own text.
+        QMessageBox box(
+            QMessageBox::Warning, QStringLiteral("Export Renewals Calendar"),
+            QStringLiteral("The calendar could not be written: %1").arg(toQString(*error)),
+            QMessageBox::Ok, this);
+        PlainText::apply(box);
+        box.exec();
         return;
     }
     if (calendar.eventCount == 0) {

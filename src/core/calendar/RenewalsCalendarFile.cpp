@@ -3,7 +3,6 @@
 
 #include "app/PreferenceStore.h"
 #include "calendar/ReminderSettings.h"
-#include "calendar/RenewalsCalendar.h"
 #include "store/DataStore.h"
 #include "util/PrivateFile.h"
 #include "util/UserCalendar.h"
@@ -24,16 +23,20 @@ void RenewalsCalendarFile::setKept(PreferenceStore& preferences, bool kept) {
     preferences.setBoolValue(preferenceKey, kept);
 }
 
+RenewalsCalendar::Written RenewalsCalendarFile::build(const DataStore& store,
+                                                      const PreferenceStore& preferences,
+                                                      const UserCalendar& calendar) {
+    return RenewalsCalendar::write(store.fetchAllServices(false),
+                                   ReminderSettings::read(preferences), calendar, calendar.now());
+}
+
 std::optional<std::string> RenewalsCalendarFile::refresh(const DataStore& store,
                                                          const PreferenceStore& preferences,
                                                          const UserCalendar& calendar) {
     if (!isKept(preferences)) {
         return std::nullopt;
     }
-    const RenewalsCalendar::Written written =
-        RenewalsCalendar::write(store.fetchAllServices(false), ReminderSettings::read(preferences),
-                                calendar, calendar.now());
-    return PrivateFile::write(pathBeside(store.path()), written.text);
+    return PrivateFile::write(pathBeside(store.path()), build(store, preferences, calendar).text);
 }
 
 } // namespace vorlane

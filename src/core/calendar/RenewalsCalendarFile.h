@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "calendar/RenewalsCalendar.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,6 +26,11 @@ public:
     static std::string pathBeside(const std::string& vaultPath);
     static bool isKept(const PreferenceStore& preferences);
     static void setKept(PreferenceStore& preferences, bool kept);
+
+    // The vault's renewals (services not archived) under the user's reminder settings, dated now:
+    // what every export of the calendar writes, from the window, the command line or this file.
+    static RenewalsCalendar::Written
+    build(const DataStore& store, const PreferenceStore& preferences, const UserCalendar& calendar);
 
     // Rewrites the file when it is kept; nothing otherwise. The reason when the write failed (the
     // previous file, if any, is left as it was).
