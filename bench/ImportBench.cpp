@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Importing 10,000 KeePass entries in 250 client groups: the file read and previewed (what the
 // import sheet does before the user confirms), and the whole import into a vault with every
 // password written to the keyring once. Run under tests/support/run-with-keyring.sh, which

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The password health report at 10,000 services once their secrets are read: every password
 // and API key digested and rated, then grouped and sorted. (The batch read from the Secret
 // Service comes before this and is measured by the keyring's own round trips, not here.)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // libFuzzer target: any bytes given to the importer as one export format (IMPORT_FORMAT, set
 // per target in CMakeLists.txt, so that each reader gets a fuzzer of its own), then mapped as
 // the import sheet would. Besides crashes and what the sanitizers find, it checks what must

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The renewals calendar read back by libical, a strict RFC 5545 parser: every property of an
 // event and its alarms, texts with the characters the format escapes, line breaks and emoji
 // across a fold, an empty vault, 10,000 services, and the same UIDs on two exports.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Files of user data: owner-only whatever the umask, and replaced whole or not at all.
 
 #include "util/PrivateFile.h"

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Rebuilds the KeePass fixtures of the importer's tests with the real KeePassXC command-line tool
 # (Debian's `keepassxc`, needed only to run this script, not to build or test):
 #   1. writes keepass-source.xml, a KeePass 2 XML database with ISO 8601 dates (the encoding of

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Writes the KeePass 2 XML databases that make-fixtures.sh hands to keepassxc-cli.
 
 keepass-source.xml: a small database of client groups covering what the importer maps: nested

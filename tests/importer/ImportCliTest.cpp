@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // `vorlane-cli import` and `vorlane-cli list`, run as a user runs them, on a real vault and the
 // real keyring.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The committed export files under tests/import/, and a temp folder that cleans up after itself.

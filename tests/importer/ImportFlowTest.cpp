@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The import sheet's model on a real vault and keyring: nothing is written before the import
 // starts, the preview's rows and rule, progress, cancel and the summary.
 

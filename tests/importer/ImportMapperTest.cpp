@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where imported entries go and what they become: organizations and the organization rule,
 // kinds, hosts from URLs, fields and the secrets that have no place.
 

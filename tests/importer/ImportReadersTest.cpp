@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The readers of each export format on the committed fixtures (the KeePass ones made by
 // keepassxc-cli, see tests/import/make-fixtures.sh) and on damaged and hostile input.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Importing into a real vault file with the real keyring (run-with-keyring.sh): secrets only in
 // the keyring, duplicates, organizations reused, and a cancelled import left consistent.
 

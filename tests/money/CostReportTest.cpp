@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The cost report of one client over a period: which payments and renewals fall inside it (at
 // its first and last moments, in the user's zone), the sums, and the CSV exactly as written.
 

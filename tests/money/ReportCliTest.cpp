@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // vorlane-cli report on a real vault: the CSV of a period, the PDF read back by poppler's
 // pdftotext (its totals) and drawn by pdftoppm, and the refusals.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The Payments section of a service on a real vault: newest first with the total, corrections
 // and additions checked where they are typed and kept in the file, deletion after confirmation.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One-time codes end to end on the real vault, keyring and PAM: the form's field and its QR
 // code paste (real images through libzbar), the detail's revealed code against oathtool, and
 // `vorlane-cli totp` on a terminal.

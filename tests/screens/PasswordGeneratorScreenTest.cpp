@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The generator sheet's model over the real preference file: what it offers, what it remembers,
 // and that the candidate follows the settings.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The password health report over a real vault and keyring: reused, weak and old secrets and
 // services without a password, read in one batch, the view and its sidebar badge offscreen, and
 // `vorlane-cli health` on a terminal.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Text a person typed or pasted is shown exactly as typed, everywhere: with HTML in every text
 // field of an organization and its service (an image tag among it), every label, message box and
 // tooltip of every screen and sheet shows the markup literally, and nothing ever opens the file

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Permissions of what already exists: a data folder, vault and log left open to others (an old
 // release, a copy, a loose umask) are tightened when the vault opens; a folder the user chose for
 // the vault is theirs and keeps its own.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Runs vorlane-cli on a terminal of its own, as a person at a shell does, for the commands that

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "importer/ImportDate.h"
 
 #include "crypto/Base64.h"

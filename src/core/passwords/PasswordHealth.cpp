@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "passwords/PasswordHealth.h"
 
 #include "model/Organization.h"
