@@ -14,6 +14,7 @@
 #include "Reminders.h"
 #include "SingleInstance.h"
 #include "SymbolIcon.h"
+#include "TerminationSignals.h"
 #include "VaultLock.h"
 #include "VaultOpening.h"
 #include "app/AppContext.h"
@@ -187,6 +188,8 @@ int Application::run(int argc, char* argv[]) {
         return deliverDueNotifications(argc, argv, vaultPathFrom(parser));
     }
 
+    // From here on a logout or `kill` ends the program through its own quit, once it runs.
+    TerminationSignals termination;
     // The vault is opened before the GUI exists, so that a vault that cannot be used is reported
     // (and the program ends) on a machine without a display too.
     QtTimers mainLoop;
@@ -275,6 +278,14 @@ int Application::run(int argc, char* argv[]) {
     }
     window.show();
     progress.reset();
+    QObject::connect(&termination, &TerminationSignals::terminationRequested, &window, [&state] {
+        // Nobody is there to answer the export key's question, so exit() rather than quit(),
+        // which would ask every window to close; a copied password is cleared, and the store
+        // saves what is unsaved as it closes.
+        state.clearClipboardBeforeQuit();
+        QApplication::exit(0);
+    });
+    termination.listen();
     const int status = QApplication::exec();
     // The shared instance outlives this function; the authenticator and timers it uses do not.
     AuthManager::shared().disconnectPlatform();

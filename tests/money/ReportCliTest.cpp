@@ -74,7 +74,7 @@ TEST_F(ReportCliTest, WritesAPdfWhoseTextHasTheClientThePaymentsAndTheTotals) {
         "--organization 'Acme & Sons' --from 2025-01-01 --to 2025-12-31 --pdf " + shellWord(pdf));
     ASSERT_EQ(status, 0) << err;
     EXPECT_EQ(out, "");
-    const CommandRun text = runCommand("pdftotext -layout " + shellWord(pdf) + " -");
+    const CommandRun text = runReferenceTool("pdftotext -layout " + shellWord(pdf) + " -");
     ASSERT_EQ(text.status, 0) << text.err;
     for (const char* expected :
          {"Acme & Sons", "2025-01-01 \u2013 2025-12-31", "acme.example", "Hetzner",
@@ -96,8 +96,8 @@ TEST_F(ReportCliTest, WritesAPdfWhoseTextHasTheClientThePaymentsAndTheTotals) {
     EXPECT_EQ(valueAfter("Yearly cost"), "$261.00");
     EXPECT_EQ(valueAfter("Paid in period"), "$35.50");
     EXPECT_EQ(valueAfter("Due in period"), "$15.00");
-    const CommandRun image = runCommand("pdftoppm -png -r 40 -f 1 -l 1 " + shellWord(pdf) + " " +
-                                        shellWord(m_folder + "/page"));
+    const CommandRun image = runReferenceTool("pdftoppm -png -r 40 -f 1 -l 1 " + shellWord(pdf) +
+                                              " " + shellWord(m_folder + "/page"));
     ASSERT_EQ(image.status, 0) << image.err;
     const std::string png = readFile(m_folder + "/page-1.png");
     EXPECT_EQ(png.substr(0, 8), "\x89PNG\r\n\x1a\n");

@@ -19,7 +19,7 @@ namespace vorlane {
 namespace {
 
 using Algorithm = TotpSecret::Algorithm;
-using testing::runCommand;
+using testing::runReferenceTool;
 using testing::shellWord;
 
 Instant atSecond(std::int64_t seconds) {
@@ -74,7 +74,7 @@ TEST(TotpTest, AgreesWithOathtoolForRandomKeysTimesAndParameters) {
         secret.key.resize(10 + pick() % 55);
         ASSERT_EQ(RAND_bytes(secret.key.data(), static_cast<int>(secret.key.size())), 1);
         const auto time = static_cast<std::int64_t>(pick() % 8'000'000'000ULL);
-        const auto run = runCommand(
+        const auto run = runReferenceTool(
             "oathtool --totp=" + std::string(name) + " -d " + std::to_string(secret.digits) +
             " -s " + std::to_string(secret.periodSeconds) + " -N " +
             shellWord("@" + std::to_string(time)) + " " + testing::toHex(secret.key));
@@ -92,7 +92,7 @@ TEST(TotpTest, AnOtpauthUriGivesTheCodeOathtoolGivesForItsSecret) {
     EXPECT_EQ(parsed.value().account, "ops@acme.example");
     for (const std::int64_t time : {0LL, 1'700'000'029LL, 1'764'000'000LL}) {
         const auto run =
-            runCommand("oathtool --totp -b JBSWY3DPEHPK3PXP -N @" + std::to_string(time));
+            runReferenceTool("oathtool --totp -b JBSWY3DPEHPK3PXP -N @" + std::to_string(time));
         ASSERT_EQ(run.status, 0) << run.err;
         EXPECT_EQ(Totp::at(parsed.value(), atSecond(time)).digits + "\n", run.out) << time;
     }

@@ -31,7 +31,7 @@ constexpr const char* acmeUri =
 std::string oathtoolCode(Instant at) {
     const auto seconds = std::chrono::floor<std::chrono::seconds>(at.time_since_epoch()).count();
     const CommandRun run =
-        runCommand("oathtool --totp -b JBSWY3DPEHPK3PXP -N @" + std::to_string(seconds));
+        runReferenceTool("oathtool --totp -b JBSWY3DPEHPK3PXP -N @" + std::to_string(seconds));
     EXPECT_EQ(run.status, 0) << run.err;
     return run.out.substr(0, run.out.find('\n'));
 }

@@ -53,4 +53,12 @@ inline CommandRun runCommand(const std::string& command, const std::string& inpu
     return run;
 }
 
+// Runs a reference program of the system (oathtool, say) rather than one under test: without the
+// preloads the tests run under (pam_wrapper, and the sanitizers' runtime in a sanitized build),
+// which are there for our programs; under them, someone else's program would report its own
+// leaks and fail.
+inline CommandRun runReferenceTool(const std::string& command) {
+    return runCommand("env -u LD_PRELOAD " + command);
+}
+
 } // namespace vorlane::testing

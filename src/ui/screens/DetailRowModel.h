@@ -5,6 +5,7 @@
 
 #include <QAbstractListModel>
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -25,10 +26,11 @@ public:
         int count = 0;    // a header's number of rows
         QString trailing; // at the right; for a header, e.g. the band's cost
         Palette::Color trailingColor = Palette::Color::secondary;
-        std::string_view icon;
+        // Owned copies: the screen model's rows they come from are rebuilt on every change.
+        std::string icon;
         Palette::Color tint = Palette::Color::secondary;
         QString badge; // a capsule before the trailing text, when not empty
-        std::string_view badgeIcon;
+        std::string badgeIcon;
         Palette::Color badgeColor = Palette::Color::secondary;
         QString actionTitle; // a button at the right, when not empty
         QString accessibleText;
