@@ -37,7 +37,9 @@ public:
     // "Vorlane-Backup-YYYY-MM-DD.vorlanebackup", the date being `createdAt`'s day for the user.
     static std::string fileName(Instant createdAt, const UserCalendar& calendar);
 
-    // The bytes of a whole backup file holding `contents`, sealed with `password`.
+    // The bytes of a whole backup file holding `contents`, sealed with `password`. Empty (never
+    // a file) when the secure random source fails, the key derivation cannot have its memory, or
+    // `parameters` are beyond what `open` accepts.
     static std::string seal(const BackupContents& contents, std::string_view password,
                             const BackupKdfParameters& parameters = {});
 
@@ -58,8 +60,10 @@ public:
     static std::optional<std::string> write(const std::string& path, const BackupContents& contents,
                                             std::string_view password,
                                             const BackupKdfParameters& parameters = {});
-    // The file's bytes, or the reason it cannot be read ("No such file or directory").
-    static Result<std::string, std::string> read(const std::string& path);
+    // Reads the whole file into `bytes`. Nothing on success, otherwise the reason it cannot be
+    // read ("No such file or directory"), and `bytes` is empty. (Not a Result: its value and
+    // error would both be strings, which it cannot tell apart.)
+    static std::optional<std::string> read(const std::string& path, std::string& bytes);
 };
 
 } // namespace vorlane
