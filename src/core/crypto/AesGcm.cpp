@@ -38,6 +38,19 @@ bool updateAll(Update update, EVP_CIPHER_CTX* context, std::span<const std::uint
     return true;
 }
 
+// Feeds the additional authenticated data (none when empty) after the key and nonce are set.
+template <typename Update>
+bool associate(Update update, EVP_CIPHER_CTX* context, std::span<const std::uint8_t> data) {
+    if (data.empty()) {
+        return true;
+    }
+    if (data.size() > sliceSize) {
+        return false;
+    }
+    int written = 0;
+    return update(context, nullptr, &written, data.data(), static_cast<int>(data.size())) == 1;
+}
+
 } // namespace
 
 std::optional<AesGcm::Nonce> AesGcm::randomNonce() {
@@ -49,7 +62,7 @@ std::optional<AesGcm::Nonce> AesGcm::randomNonce() {
 }
 
 CryptoResult<Bytes> AesGcm::seal(std::span<const std::uint8_t> plaintext, const SymmetricKey& key,
-                                 const Nonce& nonce) {
+                                 const Nonce& nonce, std::span<const std::uint8_t> associatedData) {
     const CipherContext context(EVP_CIPHER_CTX_new());
     Bytes combined(nonceSize + plaintext.size() + tagSize);
     std::copy(nonce.begin(), nonce.end(), combined.begin());
@@ -61,6 +74,7 @@ CryptoResult<Bytes> AesGcm::seal(std::span<const std::uint8_t> plaintext, const 
         context &&
         EVP_EncryptInit_ex(context.get(), EVP_aes_256_gcm(), nullptr, key.bytes().data(),
                            nonce.data()) == 1 &&
+        associate(EVP_EncryptUpdate, context.get(), associatedData) &&
         updateAll(EVP_EncryptUpdate, context.get(), plaintext, ciphertext) &&
         EVP_EncryptFinal_ex(context.get(), tag, &finalWritten) == 1 && finalWritten == 0 &&
         EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_GCM_GET_TAG, static_cast<int>(tagSize), tag) ==
@@ -71,7 +85,8 @@ CryptoResult<Bytes> AesGcm::seal(std::span<const std::uint8_t> plaintext, const 
     return combined;
 }
 
-CryptoResult<Bytes> AesGcm::open(std::span<const std::uint8_t> combined, const SymmetricKey& key) {
+CryptoResult<Bytes> AesGcm::open(std::span<const std::uint8_t> combined, const SymmetricKey& key,
+                                 std::span<const std::uint8_t> associatedData) {
     if (combined.size() < overhead) {
         return CryptoError::decryptionFailed;
     }
@@ -88,6 +103,7 @@ CryptoResult<Bytes> AesGcm::open(std::span<const std::uint8_t> combined, const S
         context &&
         EVP_DecryptInit_ex(context.get(), EVP_aes_256_gcm(), nullptr, key.bytes().data(),
                            nonce.data()) == 1 &&
+        associate(EVP_DecryptUpdate, context.get(), associatedData) &&
         updateAll(EVP_DecryptUpdate, context.get(), ciphertext, plaintext.data()) &&
         EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_GCM_SET_TAG, static_cast<int>(tagSize),
                             tag.data()) == 1 &&

@@ -13,8 +13,9 @@
 namespace vorlane {
 
 // AES-256-GCM through OpenSSL's EVP interface, in the combined form that export bundles carry:
-// the 12-byte nonce, then the ciphertext (as long as the plaintext), then the 16-byte tag. No
-// additional authenticated data.
+// the 12-byte nonce, then the ciphertext (as long as the plaintext), then the 16-byte tag.
+// Optional additional authenticated data (a backup file's header) is bound to the tag without
+// being encrypted: opening needs the same bytes, and fails when one of them changed.
 class AesGcm {
 public:
     static constexpr std::size_t nonceSize = 12;
@@ -29,12 +30,13 @@ public:
     // real callers pass randomNonce(), known-answer tests the vector's. encryptionFailed when
     // OpenSSL refuses.
     static CryptoResult<Bytes> seal(std::span<const std::uint8_t> plaintext,
-                                    const SymmetricKey& key, const Nonce& nonce);
+                                    const SymmetricKey& key, const Nonce& nonce,
+                                    std::span<const std::uint8_t> associatedData = {});
     // Opens a combined form. decryptionFailed when it is too short to hold a nonce and a tag, or
     // when the tag does not match (a wrong key or any altered byte); no plaintext is returned
     // then, not even in part.
-    static CryptoResult<Bytes> open(std::span<const std::uint8_t> combined,
-                                    const SymmetricKey& key);
+    static CryptoResult<Bytes> open(std::span<const std::uint8_t> combined, const SymmetricKey& key,
+                                    std::span<const std::uint8_t> associatedData = {});
 };
 
 } // namespace vorlane
