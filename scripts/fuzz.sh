@@ -4,6 +4,7 @@
 # in build-fuzz/ and runs one of them on its seed corpus.
 #   scripts/fuzz.sh                        1,000,000 inputs to the paste parser
 #   scripts/fuzz.sh bundle                 1,000,000 inputs to the export bundle reader
+#   scripts/fuzz.sh backup                 the same for the backup file reader
 #   scripts/fuzz.sh keepassxml             the same for an importer's reader: keepassxml,
 #                                          keepassxccsv, bitwardenjson, bitwardencsv,
 #                                          onepasswordcsv, lastpasscsv, spreadsheet
@@ -15,7 +16,7 @@ set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build="$root/build-fuzz"
 target=paste
-if [[ "${1:-}" =~ ^(paste|bundle|keepassxml|keepassxccsv|bitwardenjson|bitwardencsv|onepasswordcsv|lastpasscsv|spreadsheet)$ ]]; then
+if [[ "${1:-}" =~ ^(paste|bundle|backup|keepassxml|keepassxccsv|bitwardenjson|bitwardencsv|onepasswordcsv|lastpasscsv|spreadsheet)$ ]]; then
   target=$1
   shift
 fi

@@ -10,6 +10,7 @@ packages=(
   # core
   libicu-dev libsqlite3-dev libssl-dev nlohmann-json3-dev libboost-dev
   libexpat1-dev # the importer's KeePass XML reader
+  libargon2-dev zlib1g-dev # backups: the key from the backup password, the body's compression
   # platform and ui
   qt6-base-dev libqt6svg6 qt6-qpa-plugins libsecret-1-dev libpam0g-dev libglib2.0-dev
   breeze-icon-theme hicolor-icon-theme fonts-dejavu-core
