@@ -3,6 +3,7 @@
 
 #include "CliVault.h"
 #include "StoreListing.h"
+#include "backup/InventoryCsv.h"
 #include "model/Organization.h"
 #include "store/SearchText.h"
 #include "store/StoreJson.h"
@@ -18,27 +19,43 @@ std::string_view ListCommand::name() const {
 
 std::string_view ListCommand::usage() const {
     return "list [--organization NAME] [--archived]\n"
-           "                             every service (of one organization), by title";
+           "                             every service (of one organization), by title\n"
+           "  list --csv                 the inventory: every service, archived ones too, as\n"
+           "                             the spreadsheet CSV that import reads back, no secrets";
 }
 
 int ListCommand::run(CliInvocation& invocation) {
     std::optional<std::string> organization;
     bool archived = false;
+    bool csv = false;
     const auto& arguments = invocation.arguments;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         if (arguments[i] == "--organization" && i + 1 < arguments.size()) {
             organization = SearchText::fold(arguments[++i]);
         } else if (arguments[i] == "--archived") {
             archived = true;
+        } else if (arguments[i] == "--csv") {
+            csv = true;
         } else {
             invocation.err << "vorlane-cli list: unexpected \"" << arguments[i]
                            << "\" (see --help)\n";
             return 2;
         }
     }
+    // The inventory is the whole vault in one format: a filter or a second format would make
+    // a file that looks complete and is not.
+    if (csv && (organization || archived || invocation.json)) {
+        invocation.err << "vorlane-cli list: --csv prints every service and takes no other "
+                          "option\n";
+        return 2;
+    }
     auto vault = CliVault::open(invocation);
     if (!vault) {
         return 1;
+    }
+    if (csv) {
+        invocation.out << InventoryCsv::text(vault->store(), vault->calendar());
+        return 0;
     }
     std::vector<ServiceRecord*> services;
     for (ServiceRecord* service : vault->store().fetchAllServices(archived)) {

@@ -7,43 +7,13 @@
 #include "money/ChargePerPeriod.h"
 #include "money/RenewalDates.h"
 #include "store/DataStore.h"
+#include "util/CsvText.h"
+#include "util/DateText.h"
 #include "util/UserCalendar.h"
 
 #include <algorithm>
 
 namespace vorlane {
-
-namespace {
-
-std::string csvField(const std::string& text) {
-    if (text.find_first_of(",\"\r\n") == std::string::npos) {
-        return text;
-    }
-    std::string quoted = "\"";
-    for (const char c : text) {
-        quoted += c;
-        if (c == '"') {
-            quoted += '"';
-        }
-    }
-    return quoted + "\"";
-}
-
-std::string dateOf(const std::optional<Instant>& instant, const UserCalendar& calendar) {
-    if (!instant) {
-        return {};
-    }
-    const std::optional<UserCalendar::LocalTime> local = calendar.localTime(*instant);
-    if (!local) {
-        return {};
-    }
-    using namespace std::chrono;
-    return ReportPeriod::dateText(year_month_day(year(local->year),
-                                                 month(static_cast<unsigned>(local->month)),
-                                                 day(static_cast<unsigned>(local->day))));
-}
-
-} // namespace
 
 CostReport::CostReport(const DataStore& store, const Organization& organization,
                        ReportPeriod period, const UserCalendar& calendar)
@@ -88,7 +58,9 @@ std::string CostReport::csv() const {
               row.paidInPeriod.toString(), row.dueInPeriod.toString()}) {
             text += csvField(field) + ",";
         }
-        text += dateOf(service.expirationDate, m_calendar) + "\r\n";
+        text += (service.expirationDate ? DateText::isoDay(*service.expirationDate, m_calendar)
+                                        : std::string()) +
+                "\r\n";
     }
     text += "TOTAL,,,,," + m_totals.monthlyCost.toString() + "," + m_totals.yearlyCost.toString() +
             "," + m_totals.paidInPeriod.toString() + "," + m_totals.dueInPeriod.toString() +

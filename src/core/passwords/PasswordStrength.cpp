@@ -288,8 +288,11 @@ PasswordStrength::Estimate PasswordStrength::estimate(std::string_view password)
 }
 
 bool PasswordStrength::suitsEncryption(std::string_view password) {
-    return decode(password).size() >= minimumEncryptionLength &&
-           estimate(password).level != Level::weak;
+    return length(password) >= minimumEncryptionLength && estimate(password).level != Level::weak;
+}
+
+std::size_t PasswordStrength::length(std::string_view password) {
+    return decode(password).size();
 }
 
 std::string PasswordStrength::levelText(Level level) {

@@ -34,6 +34,9 @@ public:
     // True when the password is long enough (in characters) and not weak: the bar for
     // encrypting exports and backups.
     static bool suitsEncryption(std::string_view password);
+    // The password's length in characters, as the length bar above counts it (an invalid byte
+    // counts as one).
+    static std::size_t length(std::string_view password);
 
     // "Weak", "Fair", "Strong", "Very Strong".
     static std::string levelText(Level level);

@@ -10,6 +10,7 @@
 #include <unicode/timezone.h>
 #include <unicode/unistr.h>
 
+#include <cstdio>
 #include <map>
 #include <memory>
 #include <string>
@@ -74,6 +75,16 @@ std::string DateText::format(Instant instant, Style style, const UserCalendar& c
     std::string utf8;
     text.toUTF8String(utf8);
     return utf8;
+}
+
+std::string DateText::isoDay(Instant instant, const UserCalendar& calendar) {
+    const std::optional<UserCalendar::LocalTime> local = calendar.localTime(instant);
+    if (!local) {
+        return {};
+    }
+    char text[40];
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d", local->year, local->month, local->day);
+    return text;
 }
 
 } // namespace vorlane

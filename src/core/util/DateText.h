@@ -23,6 +23,10 @@ public:
 
     static std::string format(Instant instant, Style style, const UserCalendar& calendar,
                               std::string_view localeId = {});
+
+    // The instant's day in the user's calendar as YYYY-MM-DD, whatever the locale: for files
+    // that spreadsheets and scripts read back (and file names). Empty when ICU cannot tell.
+    static std::string isoDay(Instant instant, const UserCalendar& calendar);
 };
 
 } // namespace vorlane
