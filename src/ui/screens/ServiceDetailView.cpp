@@ -4,6 +4,7 @@
 #include "QtText.h"
 #include "app/AppContext.h"
 #include "components/CapsuleLabel.h"
+#include "components/DestructiveConfirmation.h"
 #include "components/PaletteColor.h"
 #include "components/PlainText.h"
 #include "components/TintedIcon.h"
@@ -20,7 +21,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QShortcut>
@@ -201,22 +201,9 @@ void ServiceDetailView::openAddress() {
 }
 
 void ServiceDetailView::confirmDelete() {
-    auto* box = new QMessageBox(
-        QMessageBox::Warning, toQString(ServiceDetailScreen::deleteConfirmationTitle),
-        toQString(m_screen.deleteConfirmationMessage()), QMessageBox::NoButton, this);
-    QPushButton* confirm = box->addButton(QStringLiteral("Delete"), QMessageBox::DestructiveRole);
-    QPushButton* cancel = box->addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole);
-    PlainText::apply(*box);
-    box->setDefaultButton(cancel);
-    box->setEscapeButton(cancel);
-    box->setWindowModality(Qt::WindowModal);
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    connect(box, &QMessageBox::buttonClicked, this, [this, confirm](QAbstractButton* clicked) {
-        if (clicked == confirm) {
-            m_screen.deleteService();
-        }
-    });
-    box->open();
+    DestructiveConfirmation::ask(this, toQString(ServiceDetailScreen::deleteConfirmationTitle),
+                                 toQString(m_screen.deleteConfirmationMessage()),
+                                 QStringLiteral("Delete"), [this] { m_screen.deleteService(); });
 }
 
 void ServiceDetailView::refresh() {
@@ -577,26 +564,13 @@ void ServiceDetailView::confirmDeletePayment(const Uuid& id) {
     if (payment == nullptr) {
         return;
     }
-    auto* box = new QMessageBox(QMessageBox::Warning, QStringLiteral("Delete Payment"),
-                                toQString(m_payments->deleteConfirmationMessage(*payment)),
-                                QMessageBox::NoButton, this);
-    box->setAccessibleName(QStringLiteral("Delete Payment"));
-    QPushButton* confirm = box->addButton(QStringLiteral("Delete"), QMessageBox::DestructiveRole);
-    QPushButton* cancel = box->addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole);
-    PlainText::apply(*box);
-    box->setDefaultButton(cancel);
-    box->setEscapeButton(cancel);
-    box->setWindowModality(Qt::WindowModal);
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    connect(box, &QMessageBox::buttonClicked, this, [this, confirm, id](QAbstractButton* clicked) {
-        if (clicked != confirm) {
-            return;
-        }
-        if (PaymentRecord* current = paymentWithId(id)) {
-            m_payments->remove(*current);
-        }
-    });
-    box->open();
+    DestructiveConfirmation::ask(this, QStringLiteral("Delete Payment"),
+                                 toQString(m_payments->deleteConfirmationMessage(*payment)),
+                                 QStringLiteral("Delete"), [this, id] {
+                                     if (PaymentRecord* current = paymentWithId(id)) {
+                                         m_payments->remove(*current);
+                                     }
+                                 });
 }
 
 } // namespace vorlane
