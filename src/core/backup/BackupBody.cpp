@@ -433,39 +433,47 @@ bool consistent(const BackupContents& contents) {
 } // namespace
 
 std::string BackupBody::toJson(const BackupContents& contents) {
-    Out organizations = Out::array();
-    for (const Organization& organization : contents.organizations) {
-        organizations.push_back(organizationJson(organization));
-    }
-    Out services = Out::array();
-    for (const BackedUpService& service : contents.services) {
-        services.push_back(serviceJson(service));
-    }
-    Out shares = Out::array();
-    for (const BackedUpShare& share : contents.shares) {
-        shares.push_back(shareJson(share));
-    }
-    Out payments = Out::array();
-    for (const BackedUpPayment& payment : contents.payments) {
-        payments.push_back(paymentJson(payment));
-    }
-    // Secrets are a list, not an object keyed by account: the ordered JSON object finds a key by
-    // walking its members, which would make a vault of many secrets quadratic to write.
-    Out secrets = Out::array();
-    for (const auto& [account, secret] : contents.secrets) {
-        secrets.push_back(Out{{"account", account}, {"secret", Base64::encode(asBytes(secret))}});
-    }
-    const Out body{
-        {"schemaVersion", contents.schemaVersion},
-        {"createdAt", milliseconds(contents.createdAt)},
-        {"organizations", std::move(organizations)},
-        {"services", std::move(services)},
-        {"shares", std::move(shares)},
-        {"payments", std::move(payments)},
-        {"secrets", std::move(secrets)},
-        {"missingSecrets", stringList(contents.missingSecrets)},
+    // The body is written record by record rather than as one JSON document: a vault of many
+    // services would otherwise be held twice, as a tree of JSON values and as its text, and the
+    // tree's many small allocations cost more than the text.
+    std::string out;
+    out.reserve(1024 * (contents.organizations.size() + contents.services.size()) +
+                256 *
+                    (contents.shares.size() + contents.payments.size() + contents.secrets.size()));
+    const auto member = [&out](std::string_view name, const Out& value) {
+        out += out.empty() ? "{\"" : ",\"";
+        out += name;
+        out += "\":";
+        out += JsonText::compact(value);
     };
-    return JsonText::compact(body);
+    const auto list = [&out](std::string_view name, const auto& records, const auto& json) {
+        out += ",\"";
+        out += name;
+        out += "\":[";
+        bool first = true;
+        for (const auto& record : records) {
+            if (!first) {
+                out += ',';
+            }
+            first = false;
+            out += JsonText::compact(json(record));
+        }
+        out += ']';
+    };
+    member("schemaVersion", contents.schemaVersion);
+    member("createdAt", milliseconds(contents.createdAt));
+    list("organizations", contents.organizations, organizationJson);
+    list("services", contents.services, serviceJson);
+    list("shares", contents.shares, shareJson);
+    list("payments", contents.payments, paymentJson);
+    // Secrets are a list, not an object keyed by account: a reader's ordered JSON object would
+    // find each key by walking the members before it, quadratic in the number of secrets.
+    list("secrets", contents.secrets, [](const auto& entry) {
+        return Out{{"account", entry.first}, {"secret", Base64::encode(asBytes(entry.second))}};
+    });
+    member("missingSecrets", stringList(contents.missingSecrets));
+    out += '}';
+    return out;
 }
 
 std::optional<BackupContents> BackupBody::fromJson(std::string_view json) {
