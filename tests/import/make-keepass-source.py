@@ -4,11 +4,12 @@
 
 keepass-source.xml: a small database of client groups covering what the importer maps: nested
 groups, expiry on some entries (and an ExpiryTime that does not count because Expires is False),
-tags, plain and hidden custom attributes, a one-time code, Unicode titles, an entry with history,
-an entry in the root group and one in the recycle bin. Dates are written in KDBX 4's encoding
-(base64 of a little-endian 64-bit count of seconds since 0001-01-01T00:00:00Z); keepassxc-cli
-reads them and its export writes them back as ISO 8601 text, so the importer's tests can check
-that both encodings of one database give the same dates.
+tags, plain and hidden custom attributes, a one-time code, Unicode titles, two entries with history
+(one whose password is older than its last change), an entry in the root group and one in the
+recycle bin. Dates are written in KDBX 4's encoding (base64 of a little-endian 64-bit count of
+seconds since 0001-01-01T00:00:00Z); keepassxc-cli reads them and its export writes them back as
+ISO 8601 text, so the importer's tests can check that both encodings of one database give the
+same dates.
 
 keepass-300-source.xml: 300 entries in 25 client groups, every one with a password and every
 fourth with an expiry date.
@@ -88,6 +89,12 @@ def database(root_content, recycle_bin=""):
 def small():
     old = entry("acme-vps", "Acme VPS (old)", "root", "old-password", modified="2024-03-01T08:00:00Z",
                 history=None)
+    # The password was replaced in September 2024; only the notes changed since, so the password
+    # is older than the entry's last modification.
+    mail_history = "".join(
+        entry("acme-mail", "Acme Mailbox", "info@acme.test", password, modified=modified, history=None)
+        for password, modified in [("mail-old-password", "2024-02-01T09:00:00Z"),
+                                   ("mail-secret-2", "2024-09-10T08:00:00Z")])
     acme = group("acme", "Acme Corp", "".join([
         entry("acme-vps", "Acme VPS", "root", "vps-secret-1", "https://vps1.acme.test:8443/",
               "Ubuntu 24.04, ssh root@vps1.acme.test", "production;web",
@@ -96,7 +103,7 @@ def small():
                      ("Backup PIN", "4711", True)],
               history=old),
         entry("acme-mail", "Acme Mailbox", "info@acme.test", "mail-secret-2", "https://mail.acme.test/",
-              "IMAP and SMTP", "mail"),
+              "IMAP and SMTP", "mail", history=mail_history),
         group("acme-web", "Websites", entry(
             "acme-shop", "Shop WordPress", "admin", "wp-secret-3", "https://shop.acme.test/wp-admin",
             "", "", expiry="2026-12-31T23:00:00Z", expires=True)),

@@ -122,6 +122,7 @@ TEST(KeePassXmlReaderTest, Kdbx4DatesReadAsTheSameInstantsAsTheirTextExport) {
         const ImportedEntry& b = titled(exported.value().entries, a.record.title);
         EXPECT_EQ(iso(a.createdAt), iso(b.createdAt)) << a.record.title;
         EXPECT_EQ(iso(a.updatedAt), iso(b.updatedAt)) << a.record.title;
+        EXPECT_EQ(iso(a.passwordChangedAt), iso(b.passwordChangedAt)) << a.record.title;
         EXPECT_EQ(iso(a.record.expirationDate), iso(b.record.expirationDate)) << a.record.title;
         EXPECT_TRUE(a.createdAt) << a.record.title;
     }

@@ -1,16 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Importing into a real vault file with the real keyring (run-with-keyring.sh): secrets only in
-// the keyring, duplicates, organizations reused, and a cancelled import left consistent.
+// the keyring, duplicates, organizations reused, the passwords' dates, and a cancelled import or
+// one the locked keyring stops left consistent.
 
 #include "importer/ImportRun.h"
 
 #include "ImportFixtures.h"
+#include "TestKeyring.h"
 #include "VaultFixture.h"
 #include "importer/ImportDate.h"
 #include "importer/ImportMapper.h"
 #include "importer/ImportReader.h"
 
 #include <algorithm>
+#include <chrono>
+#include <optional>
+#include <utility>
 
 namespace vorlane::testing {
 namespace {
@@ -139,6 +144,82 @@ TEST_F(ImportRunTest, ACancelledImportKeepsWhatItWroteWithItsSecrets) {
     }
     // Organizations are made with their first service: none is left empty.
     EXPECT_EQ(store.fetchOrganizations(true).size(), 2u);
+}
+
+// The desktop locks the keyring while an import runs: the row it refuses and every one after it
+// are left out, and what came in before is saved whole, each service with its secrets and no
+// secret without its service.
+TEST_F(ImportRunTest, AKeyringLockedHalfWayStopsTheImportWithNothingHalfSaved) {
+    auto rows = preview("keepassxc-keepass-300-export.xml");
+    ImportRun run(*m_store, m_clock.now(), std::move(rows));
+    ASSERT_TRUE(run.step(10));
+    ASSERT_TRUE(run.step(10));
+    lockDefaultCollection();
+    EXPECT_FALSE(run.step(10));
+    EXPECT_TRUE(run.finished());
+    EXPECT_FALSE(run.step(10));
+    EXPECT_EQ(run.done(), 20u);
+    EXPECT_EQ(run.report().summary(), "20 services imported into 2 organizations, 0 duplicates "
+                                      "skipped, 0 rejected; stopped, 280 entries not imported");
+    EXPECT_NE(run.report().failure.find("'Service 021'"), std::string::npos)
+        << run.report().failure;
+    EXPECT_EQ(vaultItemCount(), 20u) << "no secret of the refused row is left behind";
+
+    unlockDefaultCollection();
+    DataStore& store = reopen();
+    const auto services = store.fetchAllServices(true);
+    ASSERT_EQ(services.size(), 20u);
+    for (const ServiceRecord* service : services) {
+        const int number = std::stoi(service->title.substr(8)) - 1; // "Service 001"
+        EXPECT_LT(number, 20) << service->title;
+        const std::string zeros = number < 10 ? "00" : "0";
+        EXPECT_EQ(store.getPassword(*service), "secret-" + zeros + std::to_string(number) + "-Xy!")
+            << service->title;
+    }
+    EXPECT_EQ(store.fetchOrganizations(true).size(), 2u);
+
+    // Unlocked, the rest of the file comes in without the 20 already there.
+    auto again = preview("keepassxc-keepass-300-export.xml");
+    const ImportReport rest = importAll(std::move(again));
+    EXPECT_EQ(rest.created, 280u);
+    EXPECT_EQ(rest.duplicatesSkipped, 20u);
+    EXPECT_EQ(vaultItemCount(), 300u);
+}
+
+// A password keeps the age the source knows: the last version in a KeePass history that already
+// had it, Bitwarden's password revision, else the entry's last change; a source without dates
+// gets the moment of the import, and a service without a password no date at all.
+TEST_F(ImportRunTest, PasswordsAreDatedFromTheSourceWhereItKnowsAndWhenImportedWhereNot) {
+    const auto csvRows = preview("keepassxc-export.csv");
+    const auto csvVps = std::find_if(csvRows.begin(), csvRows.end(), [](const ImportRow& row) {
+        return row.record.title == "Acme VPS";
+    });
+    ASSERT_NE(csvVps, csvRows.end());
+    EXPECT_EQ(csvVps->passwordChangedAt, ImportDate::iso8601("2025-06-01T10:30:00Z"))
+        << "KeePassXC's Last Modified column";
+
+    m_clock.advance(std::chrono::hours(1));
+    importAll(preview("keepassxc-keepass-export.xml"));
+    importAll(preview("bitwarden.json"));
+    importAll(preview("1password.csv"));
+    const Instant imported = m_clock.now();
+    reopen();
+    const std::pair<const char*, std::optional<Instant>> expected[] = {
+        // Only the notes changed after the password was replaced in September 2024.
+        {"Acme Mailbox", ImportDate::iso8601("2024-09-10T08:00:00Z")},
+        // Its history holds an older password: replaced with the entry's last change.
+        {"Acme VPS", ImportDate::iso8601("2025-06-01T10:30:00Z")},
+        {"Router at home", ImportDate::iso8601("2025-06-01T10:30:00Z")}, // no history
+        {"Hetzner", ImportDate::iso8601("2024-02-20T10:00:00Z")},
+        {"Mailbox without folder", ImportDate::iso8601("2024-03-03T03:03:03Z")},
+        {"Server notes", std::nullopt}, // a secure note has no password
+        {"GitHub", imported},
+    };
+    for (const auto& [title, changedAt] : expected) {
+        const ServiceRecord* service = serviceTitled(title);
+        ASSERT_NE(service, nullptr) << title;
+        EXPECT_EQ(service->passwordChangedAt, changedAt) << title;
+    }
 }
 
 TEST_F(ImportRunTest, RejectedRowsAreReportedAndSourceDatesKept) {

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <optional>
+#include <tuple>
 #include <unordered_map>
 
 namespace vorlane {
@@ -150,9 +151,15 @@ Result<std::vector<ImportedEntry>, std::string> BitwardenJsonReader::read(std::s
                 }
             }
         }
-        for (const auto& [key, date] : {std::pair{"creationDate", &entry.createdAt},
-                                        std::pair{"revisionDate", &entry.updatedAt}}) {
-            const std::string value = text(item, key);
+        const Json noLogin;
+        const auto login = item.find("login");
+        // The password's own revision is the login's; the other two are the item's.
+        for (const auto& [object, key, date] :
+             {std::tuple{&item, "creationDate", &entry.createdAt},
+              std::tuple{&item, "revisionDate", &entry.updatedAt},
+              std::tuple{login != item.end() ? &*login : &noLogin, "passwordRevisionDate",
+                         &entry.passwordChangedAt}}) {
+            const std::string value = text(*object, key);
             if (value.empty()) {
                 continue;
             }

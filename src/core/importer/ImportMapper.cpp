@@ -65,6 +65,9 @@ ImportRow rowFrom(ImportedEntry entry) {
     row.apiKey = std::move(entry.apiKey);
     row.createdAt = entry.createdAt;
     row.updatedAt = entry.updatedAt;
+    // Without a date of its own, the password is at least as old as the entry's last change,
+    // which is the closest the source tells.
+    row.passwordChangedAt = entry.passwordChangedAt ? entry.passwordChangedAt : entry.updatedAt;
     row.groups = std::move(entry.groups);
     row.sourceOrganization = std::move(entry.organization);
     row.sourceTags = row.record.tags;

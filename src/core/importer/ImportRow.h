@@ -29,6 +29,9 @@ struct ImportRow {
     std::string totp; // a one-time code's secret or otpauth:// URI, checked to be one
     std::optional<Instant> createdAt;
     std::optional<Instant> updatedAt;
+    // When the password was last set by the source's account; empty when the source does not
+    // know, and the import dates it then.
+    std::optional<Instant> passwordChangedAt;
     Status status = Status::ready;
     std::string reason;
     bool keepDuplicate = false; // the user chose to import this duplicate anyway

@@ -106,6 +106,9 @@ bool ImportRun::importRow(const ImportRow& row) {
     record.updatedAt = row.updatedAt.value_or(std::max(record.createdAt, m_now));
     record.secretKeychainID =
         row.password.empty() ? std::string() : ServiceRecord::makeSecretKeychainID();
+    record.passwordChangedAt = row.password.empty()
+                                   ? std::nullopt
+                                   : std::optional<Instant>(row.passwordChangedAt.value_or(m_now));
     record.apiKeyKeychainID =
         row.apiKey.empty() ? std::string() : ServiceRecord::makeAPIKeyKeychainID();
     record.totpKeychainID = row.totp.empty() ? std::string() : ServiceRecord::makeTOTPKeychainID();

@@ -38,6 +38,9 @@ struct ImportedEntry {
     std::vector<Field> fields;
     std::optional<Instant> createdAt;
     std::optional<Instant> updatedAt;
+    // When the source says the password was last set, where it keeps that apart from the entry's
+    // own last change (a KeePass history, Bitwarden's password revision); otherwise empty.
+    std::optional<Instant> passwordChangedAt;
     // Why the reader could not take this entry; empty when it could.
     std::string rejection;
 

@@ -19,9 +19,16 @@ struct Group {
     std::string name;
 };
 
+// An earlier version of an entry from its History, as far as the password's age needs it.
+struct PastVersion {
+    std::string password;
+    std::string modified; // its LastModificationTime, as written
+};
+
 // An entry while it is read: the entry, plus what is only known once it is complete.
 struct PendingEntry {
     ImportedEntry entry;
+    std::vector<PastVersion> history;    // oldest first, as KeePass keeps it
     std::vector<std::string> groupUuids; // of every group it is in, to find the recycle bin
     std::string protectedKey;            // the first value the database had encrypted
     std::optional<bool> expires;
@@ -62,7 +69,9 @@ public:
         }
         m_text.clear();
         if (m_historyDepth > 0) {
-            ++m_historyDepth;
+            if (++m_historyDepth == 2 && name == "Entry") {
+                m_current->history.emplace_back();
+            }
             return;
         }
         if (name == "History" && m_current) {
@@ -102,6 +111,7 @@ public:
     void end(std::string_view name) {
         const int depth = m_depth--;
         if (m_historyDepth > 0) {
+            historyEnd(name);
             --m_historyDepth;
             return;
         }
@@ -161,6 +171,22 @@ private:
         }
     }
 
+    // A past version counts only for when the password was set; nothing else of it is taken.
+    void historyEnd(std::string_view name) {
+        if (m_historyDepth < 3 || m_current->history.empty()) {
+            return;
+        }
+        PastVersion& version = m_current->history.back();
+        if (name == "Key") {
+            m_key = m_text;
+        } else if (name == "Value" && m_key == "Password") {
+            version.password = m_text;
+        } else if (name == "LastModificationTime") {
+            version.modified = m_text;
+        }
+        m_text.clear();
+    }
+
     void takeString(ImportedEntry& entry) {
         if (m_key == "Title") {
             entry.record.title = m_value;
@@ -187,8 +213,24 @@ private:
         }
     }
 
+    // The password was set by the oldest version in the unbroken run of versions, ending with
+    // the entry itself, that all have it: an entry whose notes changed later still has an old
+    // password. Without a history the entry's last change is all there is to go by.
+    static void datePassword(PendingEntry& pending) {
+        ImportedEntry& entry = pending.entry;
+        for (auto version = pending.history.rbegin(); version != pending.history.rend();
+             ++version) {
+            const std::optional<Instant> modified = ImportDate::keepass(version->modified);
+            if (version->password != entry.password || !modified) {
+                break;
+            }
+            entry.passwordChangedAt = modified;
+        }
+    }
+
     void completeEntry(PendingEntry& pending) {
         ImportedEntry& entry = pending.entry;
+        datePassword(pending);
         const std::string where = "line " + std::to_string(entry.line) + ": ";
         if (pending.expires.value_or(false)) {
             entry.record.expirationDate = ImportDate::keepass(pending.expiryTime);
