@@ -56,6 +56,14 @@ TEST(BackupReportTest, CountsWhatTheBackupHoldsAndNamesEverySecretItLacks) {
               "keyring and is missing from the backup.");
 }
 
+TEST(BackupReportTest, SaysWhatARestoreDid) {
+    EXPECT_EQ(BackupReport::restored({12, 3, 2, 298}),
+              "Added 12 records, updated 3 and left 2 as they were; wrote 298 secrets to the "
+              "keyring.");
+    EXPECT_EQ(BackupReport::restored({1, 0, 1, 1}),
+              "Added 1 record, updated 0 and left 1 as it was; wrote 1 secret to the keyring.");
+}
+
 TEST(BackupReportTest, ABackupPasswordNeedsTwelveCharactersAStrengthAndTheSameSecondTyping) {
     EXPECT_EQ(BackupPassword::problem("Xq7#pL2!vB"), BackupPassword::tooShort);
     // Eleven characters in more than eleven bytes is still too short.

@@ -49,6 +49,13 @@ std::string BackupReport::holds(const BackupContents& contents) {
            counted(contents.secrets.size(), "secret", "secrets");
 }
 
+std::string BackupReport::restored(const RestoreSummary& summary) {
+    return "Added " + counted(summary.added, "record", "records") + ", updated " +
+           std::to_string(summary.updated) + " and left " + std::to_string(summary.left) +
+           (summary.left == 1 ? " as it was" : " as they were") + "; wrote " +
+           counted(summary.secretsWritten, "secret", "secrets") + " to the keyring.";
+}
+
 std::string BackupReport::describe(const MissingSecret& missing) {
     return "the " + missing.kind + " of \"" + missing.serviceTitle + "\"";
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "backup/BackupContents.h"
+#include "backup/RestoreSummary.h"
 
 #include <string>
 #include <vector>
@@ -31,6 +32,10 @@ public:
 
     // "27 organizations, 312 services, 298 secrets": what a backup holds, before it is restored.
     static std::string holds(const BackupContents& contents);
+
+    // "Added 12 records, updated 3 and left 1 as it was; wrote 298 secrets to the keyring.":
+    // what a restore did (records of every kind counted together).
+    static std::string restored(const RestoreSummary& summary);
 
     // `the password of "GitHub"`: one missing secret, for a line of its own.
     static std::string describe(const MissingSecret& missing);
