@@ -48,6 +48,9 @@ std::optional<SymmetricKey> keyFor(std::string_view password, const BackupHeader
         return std::nullopt;
     }
     Wiped<std::string> bytes;
+    // Room for the longest UTF-8 form up front, so that no partial copy is left behind in memory
+    // the string gave up while growing.
+    bytes.value.reserve(static_cast<std::size_t>(normalized.length()) * 3);
     normalized.toUTF8String(bytes.value);
     // The UTF-16 copies are wiped too: they held the password as much as the UTF-8 text.
     for (icu::UnicodeString* copy : {&text, &normalized}) {
