@@ -1,19 +1,26 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // One-time codes end to end on the real vault, keyring and PAM: the form's field and its QR
-// code paste (real images through libzbar), the detail's revealed code against oathtool, and
-// `vorlane-cli totp` on a terminal.
+// code paste (real images through libzbar), smart paste's review of a pasted URI, the detail's
+// revealed code against oathtool, and `vorlane-cli totp` on a terminal.
 
 #include "QrCodeReader.h"
 #include "RunCommand.h"
 #include "ScreenFixture.h"
 #include "TerminalSession.h"
+#include "WidgetLookup.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 #include "screens/ServiceDetailScreen.h"
 #include "screens/ServiceForm.h"
+#include "screens/SmartPasteSheet.h"
+#include "totp/Totp.h"
+#include "totp/TotpSecret.h"
 #include "util/ScopedConnection.h"
 
 #include <QImage>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
 
 #include <chrono>
 
@@ -244,6 +251,68 @@ TEST_F(OneTimeCodeTest, TheCommandLineAuthenticatesThenPrintsOathtoolsCodeAndIts
         runCommand(std::string(VORLANE_CLI) + " --vault " + shellWord(vault) + " totp Nowhere");
     EXPECT_EQ(missing.status, 1);
     EXPECT_EQ(missing.out, "");
+}
+
+// A welcome mail with the code's setup URI, through the smart paste sheet: the review shows the
+// URI masked in its own field beside the password (a slip there is refused in place), and the
+// saved service reveals oathtool's code, while the URI sits in the keyring alone: never in the
+// notes, the vault file or its WAL.
+TEST_F(OneTimeCodeTest, ASmartPastedWelcomeMailsCodeIsReviewedMaskedAndKeptInTheKeyringAlone) {
+    SmartPasteSheet sheet(context(), &m_acme);
+    sheet.show();
+    childNamed<QPlainTextEdit>(sheet, QStringLiteral("Pasted text"))
+        ->setPlainText(QString::fromStdString(
+            std::string("Hello Maria,\n\nyour Acme DNS account is ready.\n\n"
+                        "Login: https://dns.acme.example/login\nUsername: ops@acme.example\n"
+                        "Password: Vx7#qLm2pT-unique\n\n"
+                        "Two-factor setup (scan the QR code or open this link): ") +
+            acmeUri + "\n\nKind regards,\nAcme support\n"));
+    QTest::mouseClick(buttonTitled(sheet, QStringLiteral("Parse")), Qt::LeftButton);
+    ASSERT_EQ(sheet.flow().step(), SmartPasteFlow::Step::review);
+    auto* code = childNamed<QLineEdit>(sheet, QStringLiteral("One-Time Code"));
+    ASSERT_NE(code, nullptr);
+    EXPECT_TRUE(code->isVisibleTo(&sheet));
+    EXPECT_EQ(code->echoMode(), QLineEdit::Password);
+    EXPECT_EQ(code->text(), QString::fromLatin1(acmeUri));
+    EXPECT_FALSE(childNamed<QPlainTextEdit>(sheet, QStringLiteral("Notes"))
+                     ->toPlainText()
+                     .contains(QStringLiteral("otpauth")));
+
+    QPushButton* save = buttonTitled(sheet, QStringLiteral("Save Credential"));
+    ASSERT_TRUE(save->isEnabled());
+    const QString invalid = QString::fromLatin1(TotpSecret::invalidMessage);
+    EXPECT_FALSE(showsLabel(sheet, invalid));
+    code->selectAll();
+    QTest::keyClicks(code, QStringLiteral("JBSWY3DP")); // a key cut short
+    EXPECT_TRUE(showsLabel(sheet, invalid));
+    EXPECT_FALSE(save->isEnabled());
+    code->selectAll();
+    QTest::keyClicks(code, QStringLiteral(" ") + QString::fromLatin1(acmeUri));
+    EXPECT_FALSE(showsLabel(sheet, invalid));
+    ASSERT_TRUE(save->isEnabled());
+    QTest::mouseClick(save, Qt::LeftButton);
+    ASSERT_EQ(sheet.flow().step(), SmartPasteFlow::Step::done);
+
+    ASSERT_EQ(m_acme.services.size(), 1U);
+    ServiceRecord& saved = *m_acme.services.front();
+    EXPECT_EQ(store().getTOTPSecret(saved), acmeUri) << "without the blank typed before it";
+    EXPECT_EQ(store().getPassword(saved), "Vx7#qLm2pT-unique");
+    EXPECT_EQ(saved.passwordChangedAt, m_clock.now()) << "dated when stored";
+    EXPECT_EQ(saved.notes.find("otpauth"), std::string::npos) << saved.notes;
+    const std::string vault = m_folder.filePath(QStringLiteral("vault.sqlite")).toStdString();
+    const std::string bytes = readFile(vault) + readFile(vault + "-wal");
+    EXPECT_NE(bytes.find("dns.acme.example"), std::string::npos) << "the record was written";
+    EXPECT_EQ(bytes.find("otpauth"), std::string::npos);
+    EXPECT_EQ(bytes.find("JBSWY3DPEHPK3PXP"), std::string::npos);
+
+    connectAuthentication();
+    m_clock.advance(95s);
+    ServiceDetailScreen screen(context(), saved);
+    m_person.willType(userPassword);
+    screen.toggleReveal(Field::oneTimeCode);
+    ASSERT_TRUE(waitFor([&] { return codeRow(screen).revealed; }));
+    const std::string expected = oathtoolCode(m_clock.now());
+    EXPECT_EQ(codeRow(screen).value.substr(0, 7), Totp::grouped(expected));
 }
 
 } // namespace

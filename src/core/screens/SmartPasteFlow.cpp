@@ -199,6 +199,17 @@ void SmartPasteFlow::setStoreAsAPIKey(const std::string& line, bool store) {
     }
 }
 
+void SmartPasteFlow::setOneTimeCode(std::string text) {
+    std::fill(m_oneTimeCode.begin(), m_oneTimeCode.end(), '\0');
+    m_oneTimeCode = std::move(text);
+}
+
+std::string SmartPasteFlow::oneTimeCodeError() const {
+    return isBlank(m_oneTimeCode) || TotpSecret::isValid(m_oneTimeCode)
+               ? std::string()
+               : std::string(TotpSecret::invalidMessage);
+}
+
 std::optional<std::string> SmartPasteFlow::detectedDateText() const {
     if (!m_parsed || !m_parsed->detectedDate) {
         return std::nullopt;
@@ -223,7 +234,8 @@ bool SmartPasteFlow::mainButtonEnabled() const {
     case Step::paste:
         return !isBlank(m_rawText);
     case Step::review:
-        return m_selectedOrg != nullptr && m_parsed && !m_parsed->title.empty();
+        return m_selectedOrg != nullptr && m_parsed && !m_parsed->title.empty() &&
+               oneTimeCodeError().empty();
     case Step::done:
         return true;
     }
@@ -268,6 +280,7 @@ ServiceRecord* SmartPasteFlow::save() {
         return nullptr;
     }
     const ParsedCredential& parsed = *m_parsed;
+    const std::string oneTimeCode(trimmed(m_oneTimeCode));
     ServiceRecord record = ServiceRecord::created(m_calendar.now());
     record.setServiceType(parsed.serviceType);
     record.title = parsed.title;
@@ -302,19 +315,20 @@ ServiceRecord* SmartPasteFlow::save() {
     if (!apiKey.empty()) {
         record.apiKeyKeychainID = ServiceRecord::makeAPIKeyKeychainID();
     }
-    if (!m_oneTimeCode.empty()) {
+    if (!oneTimeCode.empty()) {
         record.totpKeychainID = ServiceRecord::makeTOTPKeychainID();
     }
     ServiceRecord& saved = m_store.insert(std::move(record), *m_selectedOrg);
-    if (!m_oneTimeCode.empty() && !m_store.setTOTPSecret(m_oneTimeCode, saved)) {
+    if (!oneTimeCode.empty() && !m_store.setTOTPSecret(oneTimeCode, saved)) {
         // Not written anywhere: the URI goes back into the notes rather than being lost.
-        saved.notes += (saved.notes.empty() ? "" : "\n") + m_oneTimeCode;
+        saved.notes += (saved.notes.empty() ? "" : "\n") + oneTimeCode;
         saved.totpKeychainID.clear();
         m_store.noteChanged(saved);
     }
-    if (!parsed.password.empty()) {
-        // A refusal leaves the record without a stored password; the credential is still kept.
-        m_store.setPassword(parsed.password, saved);
+    // A refusal leaves the record without a stored password; the credential is still kept.
+    if (!parsed.password.empty() && m_store.setPassword(parsed.password, saved)) {
+        saved.passwordChangedAt = m_calendar.now();
+        m_store.noteChanged(saved);
     }
     if (!apiKey.empty() && !m_store.setAPIKey(apiKey, saved)) {
         // Not written anywhere yet: back into the notes, so that nothing pasted is lost.

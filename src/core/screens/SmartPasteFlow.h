@@ -79,10 +79,17 @@ public:
     static constexpr const char* storeAsAPIKeyTitle = "Store as API Key";
     static constexpr const char* keepInNotesTitle = "Keep in Notes";
 
-    // The first valid "otpauth://" URI anywhere in the parsed text, stored as the service's
-    // one-time code secret; empty when there is none. The parser knows nothing of these, so the
-    // flow takes the URI out of the notes and the login address, where it would sit in the clear.
+    // "One-Time Code": the first valid "otpauth://" URI anywhere in the parsed text, stored as
+    // the service's one-time code secret; empty when there is none. The parser knows nothing of
+    // these, so the flow takes the URI out of the notes and the login address, where it would sit
+    // in the clear. The review shows it masked, like every secret, and lets it be changed or
+    // cleared: a bare base32 secret is taken too, surrounding blanks are not stored, and anything
+    // else is refused in place (`oneTimeCodeError`) and keeps the credential from being saved.
+    static constexpr const char* oneTimeCodeLabel = "One-Time Code";
     const std::string& oneTimeCode() const { return m_oneTimeCode; }
+    void setOneTimeCode(std::string text);
+    // TotpSecret::invalidMessage while the field holds something that is not a secret; else empty.
+    std::string oneTimeCodeError() const;
 
     // "Detected Date" value; nothing when no date was detected.
     std::optional<std::string> detectedDateText() const;
@@ -99,8 +106,8 @@ public:
     bool applyParse(const std::string& parsedFrom, ParsedCredential parsed);
     // Review back to paste, keeping the text and the parsed credential.
     void back();
-    // "Save Credential": the new service, inserted, its password stored (a refusal of the
-    // secret store does not stop the save), the secret lines chosen for it stored as its API
+    // "Save Credential": the new service, inserted, its password stored and dated (a refusal of
+    // the secret store does not stop the save), the secret lines chosen for it stored as its API
     // key (one per line, in notes order) and taken out of its notes, the vault saved, the done
     // step. Should the secret store refuse the API key, those lines stay in the notes rather
     // than being lost. Nothing when the button is disabled.

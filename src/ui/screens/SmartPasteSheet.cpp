@@ -5,6 +5,7 @@
 #include "SymbolIcon.h"
 #include "app/AppContext.h"
 #include "app/Clipboard.h"
+#include "components/ErrorLabel.h"
 #include "components/PasswordGeneratorPopup.h"
 #include "components/PlainText.h"
 #include "components/SheetFrame.h"
@@ -229,6 +230,12 @@ QWidget* SmartPasteSheet::createReviewStep() {
         // The label reads and focuses the field itself, not the pair.
         addRow(toQString(field.label), withGenerate, mark)->setBuddy(edit);
         edit->setAccessibleName(toQString(field.label));
+
+        // The one-time code is a secret too, and belongs beside the password.
+        m_oneTimeCodeCheck = checkMark();
+        const QString codeLabel = QString::fromLatin1(SmartPasteFlow::oneTimeCodeLabel);
+        addRow(codeLabel, createOneTimeCodeField(), m_oneTimeCodeCheck)->setBuddy(m_oneTimeCode);
+        m_oneTimeCode->setAccessibleName(codeLabel);
     }
 
     m_secretLines = new QWidget;
@@ -248,6 +255,26 @@ QWidget* SmartPasteSheet::createReviewStep() {
     grid->setRowStretch(row, 1);
     scroll->setWidget(page);
     return scroll;
+}
+
+// The field with the problem under it; masked, as the password above it.
+QWidget* SmartPasteSheet::createOneTimeCodeField() {
+    m_oneTimeCode = new QLineEdit;
+    m_oneTimeCode->setEchoMode(QLineEdit::Password);
+    m_oneTimeCode->setPlaceholderText(QStringLiteral("otpauth:// URI or secret"));
+    connect(m_oneTimeCode, &QLineEdit::textEdited, this, [this](const QString& text) {
+        m_flow.setOneTimeCode(toStdString(text));
+        m_oneTimeCodeCheck->setVisible(!text.isEmpty());
+        refresh();
+    });
+    m_oneTimeCodeError = ErrorLabel::create();
+    auto* cell = new QWidget;
+    auto* layout = new QVBoxLayout(cell);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
+    layout->addWidget(m_oneTimeCode);
+    layout->addWidget(m_oneTimeCodeError);
+    return cell;
 }
 
 QWidget* SmartPasteSheet::createDoneStep() {
@@ -356,6 +383,10 @@ void SmartPasteSheet::fillReview() {
         m_fieldChecks[i]->setVisible(!value.isEmpty());
     }
 
+    const QString oneTimeCode = toQString(m_flow.oneTimeCode());
+    m_oneTimeCode->setText(oneTimeCode);
+    m_oneTimeCodeCheck->setVisible(!oneTimeCode.isEmpty());
+
     m_shownSecretLines.clear();
     fillSecretLines();
 
@@ -446,6 +477,7 @@ void SmartPasteSheet::refresh() {
     m_frame.back()->setVisible(m_flow.showsBack());
     m_frame.main()->setText(toMnemonicSafe(m_flow.mainButtonTitle()));
     m_frame.main()->setEnabled(m_flow.mainButtonEnabled() && !m_parsing);
+    ErrorLabel::show(*m_oneTimeCodeError, m_flow.oneTimeCodeError());
 }
 
 } // namespace vorlane

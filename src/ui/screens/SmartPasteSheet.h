@@ -35,6 +35,7 @@ public:
 private:
     QWidget* createPasteStep();
     QWidget* createReviewStep();
+    QWidget* createOneTimeCodeField();
     QWidget* createDoneStep();
     void pasteFromClipboard();
     void runMainAction();
@@ -57,6 +58,9 @@ private:
     std::vector<QLineEdit*> m_fieldEdits; // in SmartPasteFlow::fields() order, but Notes
     std::vector<QLabel*> m_fieldChecks;   // likewise, Notes included
     QPlainTextEdit* m_notes = nullptr;
+    QLineEdit* m_oneTimeCode = nullptr;
+    QLabel* m_oneTimeCodeCheck = nullptr;
+    QLabel* m_oneTimeCodeError = nullptr;
     QWidget* m_secretLines = nullptr;
     std::vector<std::string> m_shownSecretLines;
     QLabel* m_detectedDateLabel = nullptr;
