@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <unordered_map>
 
 namespace vorlane {
 
@@ -128,7 +129,7 @@ void DataStore::noteChanged(PaymentRecord& payment) {
 }
 
 void DataStore::moveService(ServiceRecord& service, Organization& newOwner) {
-    m_context.moveService(service, newOwner);
+    m_context.moveService(service, &newOwner);
     changedNow();
 }
 
@@ -147,6 +148,100 @@ bool DataStore::save() {
     }
     m_context.clearChanges();
     return true;
+}
+
+std::optional<std::string> DataStore::saveBatch(RecordBatch batch) {
+    const auto failed = [](std::string error) -> std::optional<std::string> {
+        std::cout << "DataStore save error: " << error << std::endl;
+        return error;
+    };
+    if (!save()) {
+        return failed("The changes made before could not be saved.");
+    }
+    // The batch's own records stand in for their owners while the rows are written: a row
+    // needs only its owner's id.
+    std::unordered_map<Uuid, Organization*> organizations;
+    std::unordered_map<Uuid, ServiceRecord*> services;
+    const auto organizationOf = [&](const Uuid& id) -> Organization* {
+        const auto found = organizations.find(id);
+        return found != organizations.end() ? found->second : m_context.organization(id);
+    };
+    VaultContext::Changes changes;
+    for (Organization& organization : batch.organizations) {
+        organizations[organization.id] = &organization;
+        changes.organizations.push_back(&organization);
+        changes.logoLoaded.insert(&organization);
+    }
+    for (RecordBatch::Service& entry : batch.services) {
+        entry.record.organization = nullptr;
+        if (entry.organizationId) {
+            entry.record.organization = organizationOf(*entry.organizationId);
+            if (!entry.record.organization) {
+                return failed("The organization of '" + entry.record.title + "' is missing.");
+            }
+        }
+        services[entry.record.id] = &entry.record;
+        changes.services.push_back(&entry.record);
+    }
+    for (RecordBatch::Share& entry : batch.shares) {
+        entry.record.organization = organizationOf(entry.organizationId);
+        if (!entry.record.organization) {
+            return failed("The organization of a share record is missing.");
+        }
+        changes.shares.push_back(&entry.record);
+    }
+    for (RecordBatch::Payment& entry : batch.payments) {
+        const auto found = services.find(entry.serviceId);
+        entry.record.service =
+            found != services.end() ? found->second : m_context.service(entry.serviceId);
+        if (!entry.record.service) {
+            return failed("The service of a payment is missing.");
+        }
+        changes.payments.push_back(&entry.record);
+    }
+    std::string error;
+    if (!m_file.write(changes, error)) {
+        return failed(error);
+    }
+
+    // Saved: now the same records in memory, with owners looked up in the vault.
+    for (Organization& organization : batch.organizations) {
+        organization.services.clear();
+        organization.shareHistory.clear();
+        if (Organization* existing = m_context.organization(organization.id)) {
+            organization.services = std::move(existing->services);
+            organization.shareHistory = std::move(existing->shareHistory);
+            *existing = std::move(organization);
+            m_context.markLogoLoaded(*existing);
+            m_context.noteChanged(*existing);
+        } else {
+            m_context.insert(std::make_unique<Organization>(std::move(organization)));
+        }
+    }
+    for (RecordBatch::Service& entry : batch.services) {
+        Organization* owner =
+            entry.organizationId ? m_context.organization(*entry.organizationId) : nullptr;
+        if (ServiceRecord* existing = m_context.service(entry.record.id)) {
+            entry.record.organization = existing->organization;
+            *existing = std::move(entry.record);
+            m_context.moveService(*existing, owner);
+            m_context.noteChanged(*existing);
+        } else {
+            m_context.insert(std::move(entry.record), owner);
+        }
+    }
+    for (RecordBatch::Share& entry : batch.shares) {
+        m_context.insert(std::make_unique<ShareRecord>(std::move(entry.record)),
+                         m_context.organization(entry.organizationId));
+    }
+    for (RecordBatch::Payment& entry : batch.payments) {
+        m_context.insert(std::make_unique<PaymentRecord>(std::move(entry.record)),
+                         *m_context.service(entry.serviceId));
+    }
+    // Everything pending was written above: the earlier changes by `save`, the batch just now.
+    m_context.clearChanges();
+    changed.emit();
+    return std::nullopt;
 }
 
 bool DataStore::hasUnsavedChanges() const {

@@ -6,6 +6,7 @@
 #include "model/ServiceRecord.h"
 #include "model/ShareRecord.h"
 #include "store/LocalizedOrder.h"
+#include "store/RecordBatch.h"
 #include "store/VaultContext.h"
 #include "store/VaultFile.h"
 #include "util/Decimal.h"
@@ -76,6 +77,14 @@ public:
     // and the reason to standard output, keeps the changes for the next save, and returns false.
     bool save();
     bool hasUnsavedChanges() const;
+    // Brings every record of `batch` into the vault in one transaction: an organization or
+    // service whose `id` the vault has replaces it (every field; an organization keeps its
+    // services and share records, a service its payments and moves to the owner named), any
+    // other is added; shares and payments must be new to the vault. Owners are named by id and
+    // must be in the vault or earlier in the batch. Pending changes are saved first. Nothing
+    // when all is saved; otherwise the reason, and then nothing of the batch is in memory or in
+    // the file (the file is written before memory is touched, so there is nothing to undo).
+    std::optional<std::string> saveBatch(RecordBatch batch);
 
     // Removes the secrets of each of its services, then the organization with its services and
     // share records, then saves.

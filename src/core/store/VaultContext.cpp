@@ -252,18 +252,20 @@ void VaultContext::noteChanged(PaymentRecord& payment) {
     m_pendingPayments.insert(&payment);
 }
 
-void VaultContext::moveService(ServiceRecord& service, Organization& newOwner) {
-    if (service.organization == &newOwner) {
+void VaultContext::moveService(ServiceRecord& service, Organization* newOwner) {
+    if (service.organization == newOwner) {
         return;
     }
     if (service.organization) {
         eraseFrom(service.organization->services, &service);
         invalidateCosts(service.organization);
     }
-    service.organization = &newOwner;
-    m_serviceIndex[slotOf(service)].owner = &newOwner;
-    newOwner.services.push_back(&service);
-    invalidateCosts(&newOwner);
+    service.organization = newOwner;
+    m_serviceIndex[slotOf(service)].owner = newOwner;
+    if (newOwner) {
+        newOwner->services.push_back(&service);
+        invalidateCosts(newOwner);
+    }
     m_pendingServices.insert(&service);
 }
 

@@ -89,8 +89,8 @@ public:
     void noteChanged(ServiceRecord& service);
     void noteChanged(ShareRecord& share);
     void noteChanged(PaymentRecord& payment);
-    // Moves a service to the end of another organization's list.
-    void moveService(ServiceRecord& service, Organization& newOwner);
+    // Moves a service to the end of another organization's list, or (null) to no organization.
+    void moveService(ServiceRecord& service, Organization* newOwner);
 
     bool hasChanges() const;
     Changes changes() const;
