@@ -6,6 +6,7 @@
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 #include "screens/ImportPreviewModel.h"
+#include "util/IsoDate.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -14,6 +15,9 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTableView>
+
+#include <algorithm>
+#include <set>
 
 namespace vorlane::testing {
 namespace {
@@ -138,6 +142,66 @@ TEST_F(ImportSheetTest, AKeePassExportComesInThroughTheThreeSteps) {
 
     QTest::mouseClick(buttonTitled(sheet, QStringLiteral("Done")), Qt::LeftButton);
     EXPECT_EQ(sheet.result(), QDialog::Accepted);
+}
+
+// KeePassXC's export of a 300-entry database in 25 client groups, through the sheet as a person
+// takes it: every entry becomes a service of its group's client with its expiry, every password
+// is in the Secret Service, and the summary counts them.
+TEST_F(ImportSheetTest, AThreeHundredEntryKeePassXcExportComesInWhole) {
+    ImportSheet sheet(context());
+    sheet.show();
+    sheet.chooseFile(fixture("keepassxc-keepass-300-export.xml"));
+    ASSERT_EQ(sheet.flow().step(), ImportFlow::Step::preview);
+    EXPECT_EQ(table(sheet)->model()->rowCount(), 300);
+    EXPECT_EQ(labelText(sheet, QStringLiteral("Preview summary")),
+              QStringLiteral("300 to import, 0 duplicates, 0 rejected"));
+    QTest::mouseClick(buttonTitled(sheet, QStringLiteral("Import")), Qt::LeftButton);
+    ASSERT_TRUE(waitFor([&] { return sheet.flow().step() == ImportFlow::Step::done; }, 60000));
+    EXPECT_EQ(labelText(sheet, QStringLiteral("Summary")),
+              QStringLiteral(
+                  "300 services imported into 25 organizations, 0 duplicates skipped, 0 rejected"));
+    const ImportReport& report = sheet.flow().report();
+    EXPECT_EQ(report.created, 300U);
+    EXPECT_EQ(report.organizationsCreated, 25U);
+    EXPECT_TRUE(report.failure.empty()) << report.failure;
+    EXPECT_FALSE(report.cancelled);
+    EXPECT_FALSE(store().hasUnsavedChanges());
+
+    const std::vector<Organization*> organizations = store().fetchOrganizations(true);
+    ASSERT_EQ(organizations.size(), 25U);
+    for (const Organization* organization : organizations) {
+        EXPECT_EQ(organization->services.size(), 12U) << organization->name;
+    }
+    const std::vector<ServiceRecord*> services = store().fetchAllServices(true);
+    ASSERT_EQ(services.size(), 300U);
+    // The fixture's numbers as its script writes them, with leading zeros.
+    const auto padded = [](int value, std::size_t width) {
+        const std::string digits = std::to_string(value);
+        return std::string(width - std::min(width, digits.size()), '0') + digits;
+    };
+    std::set<int> numbers;
+    for (const ServiceRecord* service : services) {
+        // "Service 001" is entry 0 of "Client 01", twelve to a client.
+        const int number = std::stoi(service->title.substr(8)) - 1;
+        numbers.insert(number);
+        ASSERT_NE(service->organization, nullptr) << service->title;
+        EXPECT_EQ(service->organization->name, "Client " + padded(number / 12 + 1, 2))
+            << service->title;
+        const std::optional<SecretBytes> stored = m_keychain.readData(service->secretKeychainID);
+        ASSERT_TRUE(stored) << service->title;
+        EXPECT_EQ(std::string(stored->begin(), stored->end()),
+                  "secret-" + padded(number, 3) + "-Xy!")
+            << service->title;
+        if (number % 4 == 0) {
+            ASSERT_TRUE(service->expirationDate) << service->title;
+            EXPECT_EQ(IsoDate::utc(*service->expirationDate),
+                      "2027-" + padded(number % 12 + 1, 2) + "-15T12:00:00Z")
+                << service->title;
+        } else {
+            EXPECT_FALSE(service->expirationDate) << service->title;
+        }
+    }
+    EXPECT_EQ(numbers.size(), 300U) << "every entry once";
 }
 
 // Escape during the import stops it between two rows: what was written stays with its secrets,
