@@ -8,7 +8,9 @@
 #include "auth/AuthManager.h"
 #include "calendar/RenewalsCalendarFile.h"
 #include "components/PlainText.h"
+#include "screens/BackupSheet.h"
 #include "screens/ImportSheet.h"
+#include "screens/RestoreSheet.h"
 #include "screens/SidebarView.h"
 #include "store/DataStore.h"
 #include "util/PrivateFile.h"
@@ -145,6 +147,8 @@ MainWindow::~MainWindow() {
     }
     delete m_settingsWindow.data();
     delete m_importSheet.data();
+    delete m_backupSheet.data();
+    delete m_restoreSheet.data();
 }
 
 void MainWindow::createMenus() {
@@ -162,6 +166,11 @@ void MainWindow::createMenus() {
     file->addSeparator();
     addCommand(file, QStringLiteral("Export Renewals Calendar\u2026"), QKeySequence(),
                [this] { exportRenewalsCalendar(); });
+    file->addSeparator();
+    addCommand(file, QStringLiteral("Back Up Vault\u2026"),
+               QKeySequence(QStringLiteral("Ctrl+Shift+B")), [this] { showBackupSheet(); });
+    addCommand(file, QStringLiteral("Restore from Backup\u2026"),
+               QKeySequence(QStringLiteral("Ctrl+Shift+R")), [this] { showRestoreSheet(); });
     file->addSeparator();
     addCommand(file, QStringLiteral("Lock Vault"), QKeySequence(QStringLiteral("Ctrl+Shift+L")),
                [this] { m_context.auth.lock(); });
@@ -368,6 +377,26 @@ void MainWindow::showImportSheet() {
     m_importSheet->open();
     m_importSheet->raise();
     m_importSheet->activateWindow();
+}
+
+void MainWindow::showBackupSheet() {
+    if (m_backupSheet.isNull()) {
+        m_backupSheet = new BackupSheet(m_context, this);
+        m_backupSheet->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    m_backupSheet->open();
+    m_backupSheet->raise();
+    m_backupSheet->activateWindow();
+}
+
+void MainWindow::showRestoreSheet() {
+    if (m_restoreSheet.isNull()) {
+        m_restoreSheet = new RestoreSheet(m_context, this);
+        m_restoreSheet->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    m_restoreSheet->open();
+    m_restoreSheet->raise();
+    m_restoreSheet->activateWindow();
 }
 
 void MainWindow::showEvent(QShowEvent* event) {

@@ -47,6 +47,9 @@ public:
     void exportRenewalsCalendar();
     // Opens the import sheet, or brings forward the one already open.
     void showImportSheet();
+    // Open the back-up or the restore sheet, or bring forward the one already open.
+    void showBackupSheet();
+    void showRestoreSheet();
 
 Q_SIGNALS:
     // Each time the window's content is shown (the start, and after being hidden or minimised).
@@ -82,6 +85,8 @@ private:
     std::array<QPointer<QDialog>, 5> m_sheets;
     QPointer<QWidget> m_settingsWindow;
     QPointer<QDialog> m_importSheet;
+    QPointer<QDialog> m_backupSheet;
+    QPointer<QDialog> m_restoreSheet;
     ScopedConnection m_stateConnection;
 };
 
