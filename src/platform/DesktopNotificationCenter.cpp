@@ -184,7 +184,8 @@ DesktopNotificationCenter::Shown DesktopNotificationCenter::deliver(Instant now,
             break; // the rest fall due later still
         }
         QString error;
-        const std::optional<std::uint32_t> id = notify(entry.request, markup, error);
+        const std::optional<std::uint32_t> id =
+            notify(entry.request, markup, m_offersActions, error);
         if (!id) {
             std::cerr << "Notification delivery error: " << error.toStdString() << std::endl;
             complete = false;
@@ -222,6 +223,16 @@ std::vector<NotificationRequest> DesktopNotificationCenter::pendingRequests() {
     return requests;
 }
 
+void DesktopNotificationCenter::show(NotificationRequest request) {
+    enqueue([this, request = std::move(request)] {
+        QString error;
+        // Not a reminder: renewing or snoozing it would mean nothing.
+        if (!notify(request, readsBodyMarkup(), false, error)) {
+            std::cerr << "Notification delivery error: " << error.toStdString() << std::endl;
+        }
+    });
+}
+
 bool DesktopNotificationCenter::readsBodyMarkup() const {
     const QDBusMessage call = QDBusMessage::createMethodCall(service, objectPath, interface,
                                                              QStringLiteral("GetCapabilities"));
@@ -233,7 +244,8 @@ bool DesktopNotificationCenter::readsBodyMarkup() const {
 }
 
 std::optional<std::uint32_t> DesktopNotificationCenter::notify(const NotificationRequest& request,
-                                                               bool markup, QString& error) const {
+                                                               bool markup, bool reminderActions,
+                                                               QString& error) const {
     const bool critical =
         request.interruptionLevel == NotificationRequest::InterruptionLevel::timeSensitive;
     const QVariantMap hints{
@@ -249,7 +261,7 @@ std::optional<std::uint32_t> DesktopNotificationCenter::notify(const Notificatio
     // The "default" action is a click on the notification itself. The other two need the running
     // program to hear them: the timer's command, which leaves at once, does not offer them.
     QStringList actions{QStringLiteral("default"), QStringLiteral("Open")};
-    if (m_offersActions) {
+    if (reminderActions) {
         actions << markRenewedAction << QStringLiteral("Mark Renewed") << snoozeAction
                 << QStringLiteral("Snooze 1 Day");
     }

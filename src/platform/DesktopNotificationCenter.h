@@ -55,6 +55,8 @@ public:
     void requestAuthorization(AuthorizationReply reply) override;
     // `build` runs on the worker.
     void replaceAllPendingRequests(RequestBuilder build) override;
+    // On the worker, after what was asked before it.
+    void show(NotificationRequest request) override;
 
     // Waits until the worker has done everything asked of it.
     void flush();
@@ -98,9 +100,10 @@ private:
     Shown deliver(Instant now, bool& complete) const;
     // Whether the notification service reads bodies as markup (its "body-markup" capability).
     bool readsBodyMarkup() const;
-    // `markup`: escape the body for a service that reads it as markup.
+    // `markup`: escape the body for a service that reads it as markup. `reminderActions`: offer
+    // "Mark Renewed" and "Snooze 1 Day" beside the click.
     std::optional<std::uint32_t> notify(const NotificationRequest& request, bool markup,
-                                        QString& error) const;
+                                        bool reminderActions, QString& error) const;
     void remember(const Shown& shown);
     void report(const QString& identifier, const QString& action);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Application.h"
 
+#include "BackupScheduler.h"
 #include "DesktopNotificationCenter.h"
 #include "DialogAuthenticationPrompt.h"
 #include "LibsecretBackend.h"
@@ -21,6 +22,7 @@
 #include "app/AppState.h"
 #include "app/ServiceActions.h"
 #include "auth/AuthManager.h"
+#include "backup/AutomaticBackup.h"
 #include "components/PlainText.h"
 #include "reminders/NotificationManager.h"
 #include "screens/SettingsScreen.h"
@@ -250,6 +252,13 @@ int Application::run(int argc, char* argv[]) {
     AppContext context{*store,   state,     AuthManager::shared(), calendar,
                        mainLoop, clipboard, preferences,           serviceActions};
 
+    DesktopNotificationCenter notificationCenter(ReminderSchedule::pathBeside(vaultPath),
+                                                 QDBusConnection::sessionBus(), clock);
+    NotificationManager notificationManager(notificationCenter, calendar);
+    // Before the window, whose Settings draw the automatic backups and go with it.
+    AutomaticBackup automaticBackup(*store, preferences, calendar, mainLoop, notificationCenter);
+    context.backups = &automaticBackup;
+    const BackupScheduler backupScheduler(automaticBackup, *store, mainLoop, clock);
     MainWindow window(context);
     if (!keychain.isAvailable()) {
         // Records still work, but nothing secret can be kept: say so rather than fail silently
@@ -269,9 +278,6 @@ int Application::run(int argc, char* argv[]) {
         window.raise();
         window.activateWindow();
     });
-    DesktopNotificationCenter notificationCenter(ReminderSchedule::pathBeside(vaultPath),
-                                                 QDBusConnection::sessionBus(), clock);
-    NotificationManager notificationManager(notificationCenter, calendar);
     const Reminders reminders(context, notificationCenter, notificationManager, window);
     if (progress && progress->isVisible()) {
         window.setGeometry(progress->geometry());

@@ -93,6 +93,7 @@ constexpr std::pair<std::string_view, const char*> symbolTable[] = {
     {"lock.doc", "document-encrypt"},
     {"doc.text.magnifyingglass", "document-preview"},
     {"shippingbox", "package"},
+    {"externaldrive", "drive-harddisk"},
 };
 
 } // namespace

@@ -5,6 +5,7 @@ namespace vorlane {
 
 class AppState;
 class AuthManager;
+class AutomaticBackup;
 class Clipboard;
 class DataStore;
 class PreferenceStore;
@@ -23,6 +24,9 @@ struct AppContext {
     Clipboard& clipboard;
     PreferenceStore& preferences;
     const ServiceActions& serviceActions;
+    // The running program's automatic backups; null where nothing backs up (a screenshot, a test
+    // of another screen), and then Settings has no Backups tab.
+    AutomaticBackup* backups = nullptr;
 };
 
 } // namespace vorlane

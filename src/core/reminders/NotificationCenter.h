@@ -31,6 +31,10 @@ public:
     // never holds up the caller: it must use only what it owns and what is safe from any thread.
     // Failures are the centre's own business: the caller never hears of them.
     virtual void replaceAllPendingRequests(RequestBuilder build) = 0;
+    // Shows `request` now, apart from the schedule (its due minute is not looked at): for news
+    // that cannot wait, such as a failed automatic backup. Returns at once; failures are the
+    // centre's own business here too.
+    virtual void show(NotificationRequest request) = 0;
 };
 
 } // namespace vorlane

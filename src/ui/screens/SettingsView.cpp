@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "screens/SettingsView.h"
 
+#include "BackupSettingsSection.h"
 #include "QtText.h"
 #include "ReminderSettingsSection.h"
 #include "SymbolIcon.h"
@@ -80,6 +81,11 @@ SettingsView::SettingsView(AppContext& context, QWidget* parent)
     QWidget* pages[] = {generalTab(), securityTab(), notificationsTab()};
     for (std::size_t i = 0; i < tabs.size(); ++i) {
         addTab(pages[i], SymbolIcon::icon(tabs[i].icon), toQString(tabs[i].title));
+    }
+    if (context.backups != nullptr) {
+        addTab(new BackupSettingsSection(*context.backups, context.calendar),
+               SymbolIcon::icon(BackupSettingsScreen::tabIcon),
+               toQString(BackupSettingsScreen::tabTitle));
     }
     reload();
 }

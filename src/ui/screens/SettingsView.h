@@ -14,7 +14,8 @@ namespace vorlane {
 
 struct AppContext;
 
-// The preferences in three tabs (General, Security, Notifications), 480 × 360. The same widget is
+// The preferences in three tabs (General, Security, Notifications), 480 × 360, and a fourth,
+// Backups, where the program makes automatic backups (AppContext::backups). The same widget is
 // the settings window and the content of the settings sheet. Both edit the same keys, so the view
 // reads them again whenever it is shown or its window becomes active: a change made in the one is
 // there when the person turns to the other. Main thread; the context must outlive the view.
