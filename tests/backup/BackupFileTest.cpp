@@ -257,6 +257,9 @@ TEST(BackupFileTest, FailedWriteOrReadSaysWhyAndLeavesNoFile) {
     EXPECT_EQ(BackupFile::read(path, bytes), "No such file or directory");
     EXPECT_EQ(bytes, "");
     EXPECT_EQ(BackupFile::read(dir.path.string(), bytes), "Is a directory");
+    // A device with no end is refused before anything is read.
+    EXPECT_EQ(BackupFile::read("/dev/zero", bytes), "Not a regular file");
+    EXPECT_EQ(bytes, "");
 }
 
 TEST(BackupFileTest, FileNameIsTheDayInTheUsersZone) {

@@ -172,10 +172,19 @@ std::optional<std::string> BackupFile::read(const std::string& path, std::string
     if (fd < 0) {
         return std::strerror(errno);
     }
+    // Only a regular file has an end: /dev/zero or a pipe chosen by mistake would be read
+    // until memory runs out, or forever.
     struct stat status {};
-    if (::fstat(fd, &status) == 0 && status.st_size > 0) {
-        bytes.reserve(static_cast<std::size_t>(status.st_size));
+    const bool found = ::fstat(fd, &status) == 0;
+    const int statError = errno;
+    if (!found || !S_ISREG(status.st_mode)) {
+        ::close(fd);
+        if (!found) {
+            return std::strerror(statError);
+        }
+        return S_ISDIR(status.st_mode) ? std::strerror(EISDIR) : "Not a regular file";
     }
+    bytes.reserve(static_cast<std::size_t>(status.st_size));
     char buffer[64 * 1024];
     for (;;) {
         const ssize_t got = ::read(fd, buffer, sizeof buffer);

@@ -61,7 +61,8 @@ public:
                                             std::string_view password,
                                             const BackupKdfParameters& parameters = {});
     // Reads the whole file into `bytes`. Nothing on success, otherwise the reason it cannot be
-    // read ("No such file or directory"), and `bytes` is empty. (Not a Result: its value and
+    // read ("No such file or directory", "Not a regular file" for a device or a pipe), and
+    // `bytes` is empty. (Not a Result: its value and
     // error would both be strings, which it cannot tell apart.)
     static std::optional<std::string> read(const std::string& path, std::string& bytes);
 };
