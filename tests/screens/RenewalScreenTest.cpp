@@ -108,12 +108,42 @@ TEST_F(RenewalScreenTest, RowsAndBandsCarryTheirTextsColoursAndExactTotals) {
 
     const RenewalScreen::Band& month = screen.bands()[1];
     EXPECT_EQ(month.totalCostText, "$0.3");
-    EXPECT_EQ(month.accessibleText, "This Month, 2 item(s), $0.3 a month.");
+    EXPECT_EQ(month.accessibleText, "This Month, 2 item(s), $0.3 a month, $0.30 due.");
     const RenewalScreen::Row& row = month.rows[0];
     EXPECT_EQ(row.daysText, "12 days left");
     EXPECT_EQ(row.expiration, ExpirationState::soon);
     EXPECT_EQ(row.typeIcon, ServiceType(ServiceType::vps).icon());
-    EXPECT_EQ(row.accessibleText, "Main VPS, VPS. Expiring Soon, 12 days left.");
+    EXPECT_EQ(row.accessibleText, "Main VPS, VPS. Expiring Soon, 12 days left, Due: $0.10.");
+}
+
+// A screen reader hears what each row and header shows, the amount due with the rest; a row or
+// band with nothing due says no amount.
+TEST_F(RenewalScreenTest, ListModelSaysTheAmountDueOfEachRowAndBand) {
+    const Instant now = m_clock.now();
+    ServiceRecord& domain = dated("Domain", now + days(5));
+    domain.setServiceType(ServiceType::domainRegistrar);
+    domain.setBillingCycle(BillingCycle::annual);
+    domain.yearlyCost = Decimal::fromString("15").value();
+    ServiceRecord& vps = dated("VPS", now + days(6));
+    vps.setServiceType(ServiceType::vps);
+    vps.setBillingCycle(BillingCycle::quarterly);
+    vps.monthlyCost = Decimal::fromString("4.5").value();
+    dated("Free login", now + days(20)).setServiceType(ServiceType::vps);
+
+    RenewalListModel model;
+    model.setBands(RenewalScreen(context(), RenewalFilter::all).bands());
+    std::vector<std::string> spoken;
+    for (int row = 0; row < model.rowCount(); ++row) {
+        spoken.push_back(
+            model.data(model.index(row, 0), Qt::AccessibleTextRole).toString().toStdString());
+    }
+    EXPECT_EQ(spoken, (std::vector<std::string>{
+                          "This Week, 2 item(s), $5.75 a month, $28.50 due.",
+                          "Domain, Domain Registrar. Upcoming, 5 days left, Due: $15.00.",
+                          "VPS, VPS. Upcoming, 6 days left, Due: $13.50.",
+                          "This Month, 1 item(s).",
+                          "Free login, VPS. Expiring Soon, 20 days left.",
+                      }));
 }
 
 TEST_F(RenewalScreenTest, ExpiringSoonAndExpiredListTheirOwnServicesOrShowTheirEmptyStates) {

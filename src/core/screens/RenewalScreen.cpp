@@ -157,6 +157,7 @@ std::vector<RenewalScreen::Band> RenewalScreen::bandsOf(const std::vector<Servic
         }
         if (due > Decimal()) {
             band.dueText = currencyFormatted(due, {}, CurrencyDigits::all) + " due";
+            band.accessibleText += ", " + band.dueText;
         }
         band.accessibleText += ".";
         band.rows.reserve(group.services.size());
@@ -177,9 +178,15 @@ std::vector<RenewalScreen::Band> RenewalScreen::bandsOf(const std::vector<Servic
             if (const Decimal charge = chargePerPeriod(*service); charge > Decimal()) {
                 row.dueText = "Due: " + currencyFormatted(charge, {}, CurrencyDigits::all);
             }
+            // Everything the row shows, the amount due included, so that a screen reader says it.
             row.accessibleText = row.title + ", " + std::string(service->serviceType().label()) +
-                                 ". " + std::string(state.displayName()) +
-                                 (row.daysText.empty() ? "." : ", " + row.daysText + ".");
+                                 ". " + std::string(state.displayName());
+            for (const std::string* shown : {&row.daysText, &row.dueText}) {
+                if (!shown->empty()) {
+                    row.accessibleText += ", " + *shown;
+                }
+            }
+            row.accessibleText += ".";
             band.rows.push_back(std::move(row));
         }
         bands.push_back(std::move(band));

@@ -40,7 +40,8 @@ public:
         std::string daysText; // "12 days left", "3 days ago"
         Palette::Color daysColor;
         std::string dueText; // "Due: $15.00", the charge of the coming period; empty when none
-        std::string accessibleText; // "Main VPS, VPS. Expiring Soon, 12 days left."
+        // "Main VPS, VPS. Expiring Soon, 12 days left, Due: $15.00."
+        std::string accessibleText;
     };
 
     struct Band {
@@ -49,7 +50,7 @@ public:
         std::string totalCostText; // monthly, formatted; empty when the band costs nothing
         std::string dueText;       // "$55.00 due": the rows' charges; empty when nothing is due
         std::vector<Row> rows;
-        std::string accessibleText; // "This Week, 3 item(s), $40 a month."
+        std::string accessibleText; // "This Week, 3 item(s), $40 a month, $55.00 due."
     };
 
     // With an organization, only its services (the organization detail's Renewals tab).
