@@ -47,8 +47,9 @@ void reloadAfterEachEdit(benchmark::State& state, DataStore& store, Screen& scre
 }
 
 void expenseScreenAfterChange(benchmark::State& state, ExpenseScreen::GroupBy groupBy) {
-    DataStore& store = sharedContext(state.range(0)).store;
-    ExpenseScreen screen(store, groupBy);
+    AppContext& context = sharedContext(state.range(0));
+    DataStore& store = context.store;
+    ExpenseScreen screen(store, context.calendar, groupBy);
     reloadAfterEachEdit(state, store, screen);
     state.counters["cards"] = static_cast<double>(screen.cards().size());
     state.counters["paid"] = static_cast<double>(screen.paidServiceCount());

@@ -176,5 +176,56 @@ TEST_F(CostReportTest, TheExportSheetNamesTheFileAndWritesTheCsvWhole) {
     EXPECT_FALSE(std::filesystem::exists(m_folder + "/none/r.csv.part"));
 }
 
+// From the expense screen the sheet picks the client: the organizations not archived, by name,
+// starting at the one given; the file written is then the chosen client's.
+TEST_F(CostReportTest, TheExportSheetFromTheExpenseScreenChoosesTheClient) {
+    Organization& zeta = addOrganization("Zeta");
+    Organization& acme = addOrganization("Acme");
+    Organization& gone = addOrganization("Gone");
+    change(gone, [](Organization& o) { o.isArchived = true; });
+    service(zeta, "Zeta site", BillingCycle::monthly, "5", "0", std::nullopt);
+    service(acme, "Acme site", BillingCycle::monthly, "7", "0", std::nullopt);
+    const auto names = [](const CostReportExport& sheet) {
+        std::vector<std::string> result;
+        for (const Organization* organization : sheet.organizationChoices()) {
+            result.push_back(organization->name);
+        }
+        return result;
+    };
+
+    CostReportExport first(*m_store, m_calendar, nullptr);
+    EXPECT_TRUE(first.choosesOrganization());
+    EXPECT_EQ(names(first), (std::vector<std::string>{"Acme", "Zeta"}));
+    EXPECT_EQ(first.organization(), &acme);
+    // An archived organization is not among the choices, so the picker starts at the first.
+    EXPECT_EQ(CostReportExport(*m_store, m_calendar, &gone).organization(), &acme);
+
+    CostReportExport sheet(*m_store, m_calendar, &zeta);
+    EXPECT_EQ(sheet.organizationChoice(), 1U);
+    EXPECT_EQ(sheet.organization(), &zeta);
+    sheet.chooseOrganization(0);
+    sheet.chooseOrganization(2); // past the end: still Acme
+    EXPECT_EQ(sheet.organization(), &acme);
+    std::string error;
+    const ReportPeriod year = *sheet.period(CostReportExport::thisYearChoice, {}, {}, error);
+    EXPECT_EQ(sheet.suggestedFileName(year, "csv"),
+              "Acme cost report 2025-01-01 to 2025-12-31.csv");
+    const std::string path = m_folder + "/acme.csv";
+    ASSERT_EQ(sheet.writeCsv(year, path), std::nullopt);
+    EXPECT_EQ(fileBytes(path), CostReport(*m_store, acme, year, m_calendar).csv());
+    EXPECT_NE(fileBytes(path).find("Acme site"), std::string::npos);
+    EXPECT_EQ(fileBytes(path).find("Zeta site"), std::string::npos);
+
+    // An organization's own sheet offers no other.
+    const CostReportExport own(*m_store, zeta, m_calendar);
+    EXPECT_FALSE(own.choosesOrganization());
+    EXPECT_EQ(own.organization(), &zeta);
+
+    // Nothing to choose: nothing to report on.
+    change(acme, [](Organization& o) { o.isArchived = true; });
+    change(zeta, [](Organization& o) { o.isArchived = true; });
+    EXPECT_EQ(CostReportExport(*m_store, m_calendar, nullptr).organization(), nullptr);
+}
+
 } // namespace
 } // namespace vorlane::testing

@@ -8,11 +8,16 @@
 #include "components/RowListView.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
+#include "screens/CostReportSheet.h"
 #include "screens/DashboardView.h"
 #include "screens/ExpenseCardGrid.h"
 #include "screens/ExpenseView.h"
 
 #include <QAbstractButton>
+#include <QAccessible>
+#include <QComboBox>
+#include <QFile>
+#include <QPushButton>
 
 #include <chrono>
 
@@ -137,7 +142,81 @@ TEST_F(DashboardExpenseViewsTest, ExpenseViewWithoutCostsShowsOnlyTheEmptyLine) 
     view.show();
     EXPECT_TRUE(view.cardGrid()->isHidden());
     EXPECT_TRUE(view.chart()->isHidden());
+    EXPECT_TRUE(view.costsDueChart()->isHidden());
+    EXPECT_FALSE(
+        showsLabel(view, QStringLiteral("No renewals with a cost in the next 12 months.")));
     EXPECT_TRUE(showsLabel(view, QStringLiteral("No services with a cost yet.")));
+}
+
+// The months ahead drawn as the dashboard draws them, following the store; "Export Cost
+// Report…" opens one sheet whose picker starts at the client of the current card, and the file
+// it writes is the report of the client chosen there.
+TEST_F(DashboardExpenseViewsTest, ExpenseViewDrawsCostsDueAndExportsTheChosenClientsReport) {
+    Organization& acme = addOrganization("Acme");
+    Organization& bolt = addOrganization("Bolt");
+    archiveFlag(addOrganization("Archived client"));
+    service(acme, "Web", "10");
+    ServiceRecord& mail = service(bolt, "Mail", "4");
+    ExpenseView view(context());
+    view.resize(1000, 900);
+    view.show();
+
+    // Nothing dated yet: the chart gives way to its line.
+    EXPECT_TRUE(view.costsDueChart()->isHidden());
+    EXPECT_TRUE(showsLabel(view, QStringLiteral("No renewals with a cost in the next 12 months.")));
+    mail.expirationDate = utc(2026, 3, 25, 12);
+    store().noteChanged(mail);
+    EXPECT_TRUE(view.costsDueChart()->isVisible());
+    EXPECT_EQ(view.costsDueChart()->accessibleName(), "Costs Due by Month");
+    ASSERT_EQ(view.costsDueChart()->bars().size(), 12U);
+    EXPECT_EQ(view.costsDueChart()->bars()[0].accessibleText, "March 2026: $4 due");
+    EXPECT_EQ(view.costsDueChart()->bars()[1].accessibleText, "April 2026: $0 due");
+
+    view.cardGrid()->setCurrentIndex(view.cardGrid()->model()->index(1, 0)); // Bolt
+    EXPECT_TRUE(view.costReportButton()->isEnabled());
+    EXPECT_EQ(view.costReportButton()->text(), QStringLiteral("Export Cost Report\u2026"));
+    view.costReportButton()->click();
+    CostReportSheet* sheet = view.costReportSheet();
+    ASSERT_NE(sheet, nullptr);
+    ASSERT_TRUE(waitFor([sheet] { return sheet->isVisible(); }));
+    view.costReportButton()->click(); // still one sheet
+    EXPECT_EQ(view.findChildren<CostReportSheet*>().size(), 1);
+    QComboBox* picker = sheet->organizationPicker();
+    ASSERT_NE(picker, nullptr);
+    QStringList names;
+    for (int i = 0; i < picker->count(); ++i) {
+        names << picker->itemText(i);
+    }
+    EXPECT_EQ(names, QStringList({"Acme", "Bolt"}));
+    EXPECT_EQ(picker->currentText(), QStringLiteral("Bolt"));
+    QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(picker);
+    ASSERT_NE(spoken, nullptr);
+    // A combo box says its current choice; its label reaches a screen reader as the relation.
+    QStringList labels;
+    for (const auto& [label, relation] : spoken->relations(QAccessible::Label)) {
+        labels << label->text(QAccessible::Name);
+    }
+    EXPECT_EQ(labels, QStringList({"Organization"}));
+
+    picker->setCurrentIndex(0);
+    EXPECT_EQ(sheet->exporter().organization(), &acme);
+    const QString path = m_folder.filePath(QStringLiteral("acme.csv"));
+    EXPECT_EQ(sheet->exportTo(path, false), QString());
+    QFile written(path);
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    const QByteArray csv = written.readAll();
+    EXPECT_TRUE(csv.contains("Web,")) << csv.constData();
+    EXPECT_FALSE(csv.contains("Mail,")) << csv.constData();
+    sheet->reject();
+    ASSERT_TRUE(waitFor([&view] { return view.costReportSheet() == nullptr; }));
+
+    // Grouped by provider a card is no client: the picker starts at the first.
+    view.groupButton(ExpenseScreen::GroupBy::provider)->click();
+    view.cardGrid()->setCurrentIndex(view.cardGrid()->model()->index(0, 0));
+    view.costReportButton()->click();
+    ASSERT_NE(view.costReportSheet(), nullptr);
+    EXPECT_EQ(view.costReportSheet()->organizationPicker()->currentText(), QStringLiteral("Acme"));
+    view.costReportSheet()->reject();
 }
 
 } // namespace

@@ -52,11 +52,11 @@ TEST_F(DashboardScreenTest, EmptyVaultShowsZerosFormattedAmountsAndNoRows) {
     EXPECT_TRUE(dashboard.expiringThisMonth().empty());
     EXPECT_TRUE(dashboard.recentlyUpdated().empty());
     // The chart still has its twelve months, from this one on, but nothing to draw.
-    EXPECT_FALSE(dashboard.hasCostsDue());
-    ASSERT_EQ(dashboard.costsDue().size(), 12U);
-    EXPECT_EQ(dashboard.costsDue().front().label, "Mar");
-    EXPECT_EQ(dashboard.costsDue().back().label, "Feb");
-    EXPECT_EQ(dashboard.costsDue().front().valueText, "$0");
+    EXPECT_FALSE(dashboard.costsDue().hasCostsDue());
+    ASSERT_EQ(dashboard.costsDue().bars().size(), 12U);
+    EXPECT_EQ(dashboard.costsDue().bars().front().label, "Mar");
+    EXPECT_EQ(dashboard.costsDue().bars().back().label, "Feb");
+    EXPECT_EQ(dashboard.costsDue().bars().front().valueText, "$0");
 }
 
 TEST_F(DashboardScreenTest, StatsCountOrganizationsThatAreNotArchivedAndUseTheStoreTotals) {
@@ -191,22 +191,54 @@ TEST_F(DashboardScreenTest, CostsDueFallInTheMonthOfEachRenewalAlongTheCycle) {
     add("Lapsed in February", utc(2026, 2, 20, 12), "7", "0", BillingCycle::monthly);
     add("Beyond the window", utc(2027, 3, 1, 6), "0", "100", BillingCycle::annual);
     add("No cost", utc(2026, 3, 15, 12), "0", "0", BillingCycle::monthly);
+    // Bought once: its 80 falls due once, on its date.
     add("One-off", utc(2026, 3, 15, 12), "0", "80", BillingCycle::oneTime);
     archiveFlag(add("Archived", utc(2026, 3, 15, 12), "50", "0", BillingCycle::monthly));
 
     const DashboardScreen dashboard = screen();
-    ASSERT_TRUE(dashboard.hasCostsDue());
+    ASSERT_TRUE(dashboard.costsDue().hasCostsDue());
     std::vector<std::string> months;
-    for (const ChartBar& bar : dashboard.costsDue()) {
+    for (const ChartBar& bar : dashboard.costsDue().bars()) {
         months.push_back(bar.label + " " + bar.valueText);
     }
     EXPECT_THAT(months,
-                ElementsAre("Mar $71", "Apr $41", "May $11", "Jun $11", "Jul $41", "Aug $11",
+                ElementsAre("Mar $151", "Apr $41", "May $11", "Jun $11", "Jul $41", "Aug $11",
                             "Sep $11", "Oct $41", "Nov $11", "Dec $11", "Jan $41", "Feb $11"));
-    EXPECT_DOUBLE_EQ(dashboard.costsDue()[0].fraction, 1.0);
-    EXPECT_NEAR(dashboard.costsDue()[1].fraction, 41.0 / 71.0, 1e-12);
-    EXPECT_EQ(dashboard.costsDue()[0].accessibleText, "March 2026: $71 due");
-    EXPECT_EQ(dashboard.costsDue()[10].accessibleText, "January 2027: $41 due");
+    EXPECT_DOUBLE_EQ(dashboard.costsDue().bars()[0].fraction, 1.0);
+    EXPECT_NEAR(dashboard.costsDue().bars()[1].fraction, 41.0 / 151.0, 1e-12);
+    EXPECT_EQ(dashboard.costsDue().bars()[0].accessibleText, "March 2026: $151 due");
+    EXPECT_EQ(dashboard.costsDue().bars()[10].accessibleText, "January 2027: $41 due");
+}
+
+// Each bar adds up what is billed at each renewal, the same charge the renewal rows and the report
+// show: the yearly amount of an annual service even when a monthly one is entered beside it, and
+// a one-time purchase once, in the month it falls due.
+TEST_F(DashboardScreenTest, CostsDueChargeWhatEachBillingPeriodBills) {
+    Organization& acme = addOrganization("Acme");
+    const auto add = [&](const std::string& title, Instant date, const char* monthly,
+                         const char* yearly, BillingCycle cycle) {
+        addService(acme, title, [&](ServiceRecord& service) {
+            service.expirationDate = date;
+            service.monthlyCost = money(monthly);
+            service.yearlyCost = money(yearly);
+            service.setBillingCycle(cycle);
+        });
+    };
+    add("Annual with both", utc(2026, 5, 15, 12), "10", "100", BillingCycle::annual);
+    add("Biennial with both", utc(2026, 6, 15, 12), "5", "200", BillingCycle::biennial);
+    add("Licence", utc(2026, 8, 15, 12), "0", "80", BillingCycle::oneTime);
+    // A quarter of 100 a year: exactly 25 at each renewal.
+    add("Quarterly", utc(2026, 9, 15, 12), "0", "100", BillingCycle::quarterly);
+
+    const DashboardScreen dashboard = screen();
+    std::vector<std::string> months;
+    for (const ChartBar& bar : dashboard.costsDue().bars()) {
+        months.push_back(bar.label + " " + bar.valueText);
+    }
+    EXPECT_THAT(months, ElementsAre("Mar $0", "Apr $0", "May $100", "Jun $200", "Jul $0", "Aug $80",
+                                    "Sep $25", "Oct $0", "Nov $0", "Dec $25", "Jan $0", "Feb $0"));
+    EXPECT_DOUBLE_EQ(dashboard.costsDue().bars()[3].fraction, 1.0);
+    EXPECT_DOUBLE_EQ(dashboard.costsDue().bars()[2].fraction, 0.5);
 }
 
 } // namespace

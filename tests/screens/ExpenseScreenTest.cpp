@@ -2,8 +2,10 @@
 #include "screens/ExpenseScreen.h"
 
 #include "ScreenFixture.h"
+#include "app/AppState.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
+#include "screens/DashboardScreen.h"
 
 #include <gmock/gmock.h>
 
@@ -46,6 +48,13 @@ protected:
         }
         return result;
     }
+    static std::vector<std::string> barTexts(const CostsDueChart& chart) {
+        std::vector<std::string> result;
+        for (const ChartBar& bar : chart.bars()) {
+            result.push_back(bar.label + " " + bar.valueText + " (" + bar.accessibleText + ")");
+        }
+        return result;
+    }
     static std::vector<std::string> summaryValues(const ExpenseScreen& screen) {
         std::vector<std::string> result;
         for (const StatCard& card : screen.summary()) {
@@ -58,7 +67,7 @@ protected:
 TEST_F(ExpenseScreenTest, EmptyVaultShowsFormattedZerosAndNoCardsInAnyGrouping) {
     Organization& acme = addOrganization("Acme");
     addService(acme, "Free admin login"); // no cost: not a paid service
-    ExpenseScreen screen(store());
+    ExpenseScreen screen(store(), m_calendar);
     EXPECT_THAT(summaryValues(screen), ElementsAre("Monthly Total=$0", "Yearly Estimate=$0",
                                                    "Paid Services=0", "Organizations=0"));
     for (const GroupBy groupBy : ExpenseScreen::groupings) {
@@ -79,7 +88,7 @@ TEST_F(ExpenseScreenTest, ArchivedServicesAndOrganizationsNeverCount) {
          "Hetzner");
     archiveFlag(gone);
 
-    ExpenseScreen screen(store());
+    ExpenseScreen screen(store(), m_calendar);
     // The store's totals skip archived organizations; the paid services are counted whatever
     // their organization, but never an archived service.
     EXPECT_THAT(summaryValues(screen), ElementsAre("Monthly Total=$10", "Yearly Estimate=$120",
@@ -101,7 +110,7 @@ TEST_F(ExpenseScreenTest, ProvidersGroupByExactTextInPlainOrderWithYearlyAsTwelv
     paid(acme, "Domain", "0", "240", BillingCycle::biennial, ServiceType::domainRegistrar, "Zeta");
     paid(acme, "Unnamed", "1", "0", BillingCycle::monthly, ServiceType::vps, "");
 
-    ExpenseScreen screen(store(), GroupBy::provider);
+    ExpenseScreen screen(store(), m_calendar, GroupBy::provider);
     // Byte order: the empty provider first, capitals before small letters.
     ASSERT_THAT(titles(screen), ElementsAre("No Provider", "Acme", "Zeta", "acme"));
     const ExpenseScreen::Card& zeta = screen.cards()[2];
@@ -127,7 +136,7 @@ TEST_F(ExpenseScreenTest, TypesSortByLabelInCodePointOrderWithTheirIconsAndTints
         service.monthlyCost = money("1");
     });
 
-    ExpenseScreen screen(store(), GroupBy::type);
+    ExpenseScreen screen(store(), m_calendar, GroupBy::type);
     // A locale-aware order would put "cPanel" between "Cloud Account" and "Custom Secret".
     ASSERT_THAT(titles(screen),
                 ElementsAre("API Key", "Cloud Account", "Custom Secret", "VPS", "cPanel"));
@@ -147,7 +156,7 @@ TEST_F(ExpenseScreenTest, CardsListTheirServicesCostliestFirstAndKeepTitleOrderO
     paid(alpha, "One-off", "0", "500", BillingCycle::oneTime); // costs nothing a month
     addService(beta, "Free");                                  // no cost: not listed
 
-    ExpenseScreen screen(store());
+    ExpenseScreen screen(store(), m_calendar);
     // Organizations in the locale's name order, where "Alpha" < "beta" (bytes would say otherwise).
     ASSERT_THAT(titles(screen), ElementsAre("Alpha", "beta"));
     const ExpenseScreen::Card& card = screen.cards()[1];
@@ -167,7 +176,7 @@ TEST_F(ExpenseScreenTest, CardsListTheirServicesCostliestFirstAndKeepTitleOrderO
 TEST_F(ExpenseScreenTest, ReloadWorksOutTheCostOfAnEditedServiceAfresh) {
     Organization& acme = addOrganization("Acme");
     ServiceRecord& domain = paid(acme, "Domain", "0", "120", BillingCycle::annual);
-    ExpenseScreen screen(store(), GroupBy::type);
+    ExpenseScreen screen(store(), m_calendar, GroupBy::type);
     const auto cost = [&screen] {
         screen.reload();
         return screen.cards().at(0).services.at(0).costText();
@@ -191,7 +200,7 @@ TEST_F(ExpenseScreenTest, ChartFollowsTheCardsAndFoldsTheCheapestIntoOneBarWhenT
     Organization& acme = addOrganization("Acme");
     paid(acme, "Half", "5", "0", BillingCycle::monthly, ServiceType::vps, "B");
     paid(acme, "Whole", "10", "0", BillingCycle::monthly, ServiceType::vps, "A");
-    ExpenseScreen screen(store(), GroupBy::provider);
+    ExpenseScreen screen(store(), m_calendar, GroupBy::provider);
     ASSERT_EQ(screen.chart().size(), 2U);
     EXPECT_EQ(screen.chart()[0].label, "A");
     EXPECT_DOUBLE_EQ(screen.chart()[0].fraction, 1.0);
@@ -218,6 +227,50 @@ TEST_F(ExpenseScreenTest, ChartFollowsTheCardsAndFoldsTheCheapestIntoOneBarWhenT
     EXPECT_EQ(screen.chart()[15].accessibleText, "7 other groups: $26 a month");
     EXPECT_DOUBLE_EQ(screen.chart()[15].fraction, 1.0);
     EXPECT_DOUBLE_EQ(screen.chart()[14].fraction, 20.0 / 26.0);
+}
+
+// The months ahead are the dashboard's chart, whatever the grouping, and move on with the clock.
+TEST_F(ExpenseScreenTest, CostsDueByMonthAreTheDashboardsChartAndFollowTheClock) {
+    Organization& acme = addOrganization("Acme");
+    const auto dueOn = [this](ServiceRecord& service, Instant date) -> ServiceRecord& {
+        service.expirationDate = date;
+        store().noteChanged(service);
+        return service;
+    };
+    dueOn(paid(acme, "Domain", "0", "15", BillingCycle::annual), utc(2026, 3, 15, 12));
+    // 08:00 on 1 April in New York: April's first charge, then one every month.
+    dueOn(paid(acme, "VPS", "10"), utc(2026, 4, 1, 12));
+    paid(acme, "No date", "20"); // in the cards, but never due
+    archiveFlag(dueOn(paid(acme, "Archived", "50"), utc(2026, 3, 20, 12)));
+
+    ExpenseScreen screen(store(), m_calendar);
+    ASSERT_TRUE(screen.costsDue().hasCostsDue());
+    const std::vector<std::string> expected{
+        "Mar $15 (March 2026: $15 due)",     "Apr $10 (April 2026: $10 due)",
+        "May $10 (May 2026: $10 due)",       "Jun $10 (June 2026: $10 due)",
+        "Jul $10 (July 2026: $10 due)",      "Aug $10 (August 2026: $10 due)",
+        "Sep $10 (September 2026: $10 due)", "Oct $10 (October 2026: $10 due)",
+        "Nov $10 (November 2026: $10 due)",  "Dec $10 (December 2026: $10 due)",
+        "Jan $10 (January 2027: $10 due)",   "Feb $10 (February 2027: $10 due)"};
+    EXPECT_EQ(barTexts(screen.costsDue()), expected);
+    EXPECT_EQ(barTexts(DashboardScreen(store(), m_state, m_calendar).costsDue()), expected);
+    EXPECT_DOUBLE_EQ(screen.costsDue().bars()[0].fraction, 1.0);
+    EXPECT_DOUBLE_EQ(screen.costsDue().bars()[1].fraction, 10.0 / 15.0);
+
+    screen.setGroupBy(GroupBy::type);
+    EXPECT_EQ(barTexts(screen.costsDue()), expected);
+
+    // A month on, the domain's renewal in March has lapsed unrenewed: March 2027 holds only the
+    // VPS, not a year's domain as well.
+    m_clock.set(utc(2026, 4, 10, 16));
+    screen.reload();
+    ASSERT_EQ(screen.costsDue().bars().size(), 12U);
+    EXPECT_EQ(screen.costsDue().bars().front().label + " " +
+                  screen.costsDue().bars().front().valueText,
+              "Apr $10");
+    EXPECT_EQ(screen.costsDue().bars().back().label + " " +
+                  screen.costsDue().bars().back().valueText,
+              "Mar $10");
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include "model/Organization.h"
 #include "money/CostReport.h"
+#include "store/DataStore.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -18,11 +19,35 @@ const std::vector<std::string_view>& CostReportExport::periodChoices() {
     return choices;
 }
 
-CostReportExport::CostReportExport(const DataStore& store, const Organization& organization,
+CostReportExport::CostReportExport(const DataStore& store, Organization& organization,
                                    const UserCalendar& calendar)
     : m_store(store)
-    , m_organization(organization)
-    , m_calendar(calendar) {}
+    , m_calendar(calendar)
+    , m_choices{&organization}
+    , m_choosesOrganization(false) {}
+
+CostReportExport::CostReportExport(const DataStore& store, const UserCalendar& calendar,
+                                   const Organization* selected)
+    : m_store(store)
+    , m_calendar(calendar)
+    , m_choosesOrganization(true) {
+    for (Organization* organization : store.fetchOrganizations(false)) {
+        if (organization == selected) {
+            m_choice = m_choices.size();
+        }
+        m_choices.push_back(organization);
+    }
+}
+
+void CostReportExport::chooseOrganization(std::size_t index) {
+    if (index < m_choices.size()) {
+        m_choice = index;
+    }
+}
+
+Organization* CostReportExport::organization() const {
+    return m_choice < m_choices.size() ? m_choices[m_choice] : nullptr;
+}
 
 std::optional<ReportPeriod> CostReportExport::period(std::size_t choice,
                                                      std::chrono::year_month_day first,
@@ -44,7 +69,7 @@ std::optional<ReportPeriod> CostReportExport::period(std::size_t choice,
 
 std::string CostReportExport::suggestedFileName(const ReportPeriod& period,
                                                 std::string_view extension) const {
-    std::string name = m_organization.name + " cost report " +
+    std::string name = organization()->name + " cost report " +
                        ReportPeriod::dateText(period.first()) + " to " +
                        ReportPeriod::dateText(period.last()) + "." + std::string(extension);
     for (char& c : name) {
@@ -57,7 +82,7 @@ std::string CostReportExport::suggestedFileName(const ReportPeriod& period,
 
 std::optional<std::string> CostReportExport::writeCsv(const ReportPeriod& period,
                                                       const std::string& path) const {
-    const std::string text = CostReport(m_store, m_organization, period, m_calendar).csv();
+    const std::string text = CostReport(m_store, *organization(), period, m_calendar).csv();
     const std::string temporary = path + ".part";
     {
         std::ofstream out(temporary, std::ios::binary | std::ios::trunc);

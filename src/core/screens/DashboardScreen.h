@@ -2,11 +2,12 @@
 #pragma once
 
 #include "model/ExpirationState.h"
-#include "screens/ChartBar.h"
+#include "screens/CostsDueChart.h"
 #include "screens/StatCard.h"
 #include "util/Decimal.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,21 +32,17 @@ public:
     static constexpr int alertHorizonDays = 3;
     static constexpr int listHorizonDays = 30;
     static constexpr std::size_t recentLimit = 5;
-    static constexpr int chartMonths = 12;
 
     static constexpr std::string_view title = "Welcome to Vorlane";
     static constexpr std::string_view alertsTitle = "Alerts";
     static constexpr std::string_view expiringTitle = "Expiring This Month";
     static constexpr std::string_view viewAllTitle = "View All";
     static constexpr std::string_view recentTitle = "Recently Updated";
-    static constexpr std::string_view chartTitle = "Costs Due by Month";
     // The stat card of the charges (each billing period's amount) falling due from now to
     // `listHorizonDays` days on, archived services left out.
     static constexpr std::string_view dueSoonTitle = "Due in the Next 30 Days";
     static constexpr std::string_view expiringEmptyText = "Nothing expires in the next 30 days.";
     static constexpr std::string_view recentEmptyText = "No services yet.";
-    static constexpr std::string_view chartEmptyText =
-        "No renewals with a cost in the next 12 months.";
 
     // One alert banner. The level is fixed by the list the service came from (`expired` for the
     // expired ones, `critical` for those due within 3 days), not read from the service; the
@@ -77,13 +74,8 @@ public:
     // Non-archived services by last change, newest first (equal times keep title order), at most 5.
     const std::vector<ServiceRecord*>& recentlyUpdated() const { return m_recent; }
 
-    // One bar per month, this month first, labelled with the month's short name: what falls due
-    // in it. A service due in the window costs one billing period (its effective monthly cost
-    // times the months of its renewal step) at its expiration date and again at every step of its
-    // cycle after it; a date before this month is a lapsed renewal and is left out.
-    const std::vector<ChartBar>& costsDue() const { return m_costsDue; }
-    // False when nothing falls due: the chart gives way to `chartEmptyText`.
-    bool hasCostsDue() const { return m_hasCostsDue; }
+    // "Costs Due by Month", built afresh with the rest.
+    const CostsDueChart& costsDue() const { return *m_costsDue; }
 
     // What a click on a banner or a row does: the service's detail.
     void open(ServiceRecord& service);
@@ -93,7 +85,6 @@ public:
 private:
     void makeAlerts();
     void makeRecent();
-    void makeCostsDue();
     Decimal dueSoon() const;
 
     DataStore& m_store;
@@ -103,8 +94,7 @@ private:
     std::vector<Alert> m_alerts;
     std::vector<ServiceRecord*> m_expiring;
     std::vector<ServiceRecord*> m_recent;
-    std::vector<ChartBar> m_costsDue;
-    bool m_hasCostsDue = false;
+    std::optional<CostsDueChart> m_costsDue; // set by every reload
 };
 
 } // namespace vorlane

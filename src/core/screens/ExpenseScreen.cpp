@@ -55,8 +55,9 @@ std::string ExpenseScreen::Card::accessibleText() const {
            countText(services.size(), "service", "services");
 }
 
-ExpenseScreen::ExpenseScreen(DataStore& store, GroupBy groupBy)
+ExpenseScreen::ExpenseScreen(DataStore& store, const UserCalendar& calendar, GroupBy groupBy)
     : m_store(store)
+    , m_calendar(calendar)
     , m_groupBy(groupBy) {
     reload();
 }
@@ -69,7 +70,9 @@ void ExpenseScreen::reload() {
         }
     }
     m_organizationCount = 0;
-    for (const Organization* organization : m_store.fetchOrganizations(false)) {
+    const std::vector<Organization*> organizations = m_store.fetchOrganizations(false);
+    m_hasOrganizations = !organizations.empty();
+    for (const Organization* organization : organizations) {
         if (m_store.monthlyCost(*organization) > Decimal() ||
             m_store.yearlyCost(*organization) > Decimal()) {
             ++m_organizationCount;
@@ -85,6 +88,7 @@ void ExpenseScreen::reload() {
         {"Organizations", std::to_string(m_organizationCount), "building.2",
          Palette::Color::indigo},
     };
+    m_costsDue.emplace(m_store, m_calendar);
     group();
 }
 
@@ -93,6 +97,15 @@ void ExpenseScreen::setGroupBy(GroupBy groupBy) {
         m_groupBy = groupBy;
         group();
     }
+}
+
+const Organization* ExpenseScreen::reportOrganization(std::optional<std::size_t> card) const {
+    // Every card by organization lists at least one of its services, which all belong to it.
+    if (m_groupBy != GroupBy::organization || !card || *card >= m_cards.size() ||
+        m_cards[*card].services.empty()) {
+        return nullptr;
+    }
+    return m_cards[*card].services.front().service->organization;
 }
 
 std::string ExpenseScreen::chartTitle() const {

@@ -3,11 +3,13 @@
 
 #include "model/Palette.h"
 #include "screens/ChartBar.h"
+#include "screens/CostsDueChart.h"
 #include "screens/StatCard.h"
 #include "util/Decimal.h"
 
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,11 +17,13 @@
 namespace vorlane {
 
 class DataStore;
+struct Organization;
 struct ServiceRecord;
+class UserCalendar;
 
 // The "Expense Overview" screen: what the vault's services cost each month and year, in four
 // summary cards and in cards grouped by organization, provider or service type, with a bar chart
-// of the groups' monthly costs.
+// of the groups' monthly costs, and what falls due in each of the next twelve months.
 //
 // Only services that are not archived and carry a cost (a monthly or yearly amount above zero)
 // count. Built from the store on construction and on `reload` (the widget calls it whenever the
@@ -77,9 +81,11 @@ public:
         std::string accessibleText() const;
     };
 
-    explicit ExpenseScreen(DataStore& store, GroupBy groupBy = GroupBy::organization);
+    // The calendar says what "now" is for the months ahead.
+    ExpenseScreen(DataStore& store, const UserCalendar& calendar,
+                  GroupBy groupBy = GroupBy::organization);
 
-    // Reads the store again.
+    // Reads the store again, with "now" taken afresh.
     void reload();
 
     GroupBy groupBy() const { return m_groupBy; }
@@ -94,6 +100,15 @@ public:
     std::string chartTitle() const;
     // One bar per card in card order (see `chartBarLimit`), the length by monthly amount.
     const std::vector<ChartBar>& chart() const { return m_chart; }
+
+    // "Costs Due by Month", the same chart as the dashboard's; the grouping does not change it.
+    const CostsDueChart& costsDue() const { return *m_costsDue; }
+
+    // "Export Cost Report…" (see CostReportExport) needs an organization that is not archived.
+    bool canExportCostReport() const { return m_hasOrganizations; }
+    // The organization the report's picker starts at: the organization of card `card` when the
+    // cards are by organization, else none (the picker then starts at its first).
+    const Organization* reportOrganization(std::optional<std::size_t> card) const;
 
     std::size_t paidServiceCount() const { return m_paidServices.size(); }
     std::size_t organizationCount() const { return m_organizationCount; }
@@ -111,12 +126,15 @@ private:
     void makeChart();
 
     DataStore& m_store;
+    const UserCalendar& m_calendar;
     GroupBy m_groupBy;
     std::vector<PaidService> m_paidServices; // in the store's title order
     std::size_t m_organizationCount = 0;
+    bool m_hasOrganizations = false;
     std::vector<StatCard> m_summary;
     std::vector<Card> m_cards;
     std::vector<ChartBar> m_chart;
+    std::optional<CostsDueChart> m_costsDue; // set by every reload
 };
 
 } // namespace vorlane

@@ -76,7 +76,7 @@ DashboardView::DashboardView(AppContext& context, QWidget* parent)
     , m_context(context)
     , m_screen(context.store, context.state, context.calendar)
     , m_chart(new BarChart(BarChart::Orientation::vertical))
-    , m_chartEmpty(quietLabel(DashboardScreen::chartEmptyText))
+    , m_chartEmpty(quietLabel(CostsDueChart::emptyText))
     , m_alertsHeader(new SectionHeader(toQString(DashboardScreen::alertsTitle)))
     , m_alerts(makeList(toQString(DashboardScreen::alertsTitle)))
     , m_alertModel(new AlertListModel(this))
@@ -107,7 +107,7 @@ DashboardView::DashboardView(AppContext& context, QWidget* parent)
     layout->addLayout(stats);
     layout->addSpacing(4);
 
-    m_chart->setTitle(toQString(DashboardScreen::chartTitle));
+    m_chart->setTitle(toQString(CostsDueChart::title));
     layout->addWidget(m_chart);
     layout->addWidget(m_chartEmpty);
 
@@ -199,9 +199,9 @@ void DashboardView::showScreen() {
     for (std::size_t i = 0; i < m_stats.size() && i < m_screen.stats().size(); ++i) {
         m_stats[i]->setCard(m_screen.stats()[i]);
     }
-    m_chart->setBars(m_screen.costsDue());
-    m_chart->setVisible(m_screen.hasCostsDue());
-    m_chartEmpty->setVisible(!m_screen.hasCostsDue());
+    m_chart->setBars(m_screen.costsDue().bars());
+    m_chart->setVisible(m_screen.costsDue().hasCostsDue());
+    m_chartEmpty->setVisible(!m_screen.costsDue().hasCostsDue());
 
     m_alertModel->setAlerts(m_screen.alerts());
     m_alertsHeader->setCount(static_cast<int>(m_screen.alerts().size()));

@@ -7,6 +7,7 @@
 #include "components/OverviewPage.h"
 #include "components/ScreenTitle.h"
 #include "components/StatCardView.h"
+#include "screens/CostReportSheet.h"
 #include "screens/ExpenseCardDelegate.h"
 #include "screens/ExpenseCardGrid.h"
 #include "screens/ExpenseCardModel.h"
@@ -30,8 +31,11 @@ constexpr int pickerWidth = 360;
 ExpenseView::ExpenseView(AppContext& context, QWidget* parent)
     : QScrollArea(parent)
     , m_context(context)
-    , m_screen(context.store)
+    , m_screen(context.store, context.calendar)
     , m_groupBy(new QButtonGroup(this))
+    , m_costReport(new QPushButton(toQString(CostReportExport::title)))
+    , m_costsDue(new BarChart(BarChart::Orientation::vertical))
+    , m_costsDueEmpty(new QLabel(toQString(CostsDueChart::emptyText)))
     , m_chart(new BarChart(BarChart::Orientation::horizontal))
     , m_grid(new ExpenseCardGrid)
     , m_cards(new ExpenseCardModel(this))
@@ -84,6 +88,7 @@ ExpenseView::ExpenseView(AppContext& context, QWidget* parent)
     groupLabel->setBuddy(m_groupBy->button(0));
     filterBar->addWidget(picker);
     filterBar->addStretch();
+    filterBar->addWidget(m_costReport);
     layout->addLayout(filterBar);
 
     auto* summary = new QGridLayout;
@@ -95,6 +100,11 @@ ExpenseView::ExpenseView(AppContext& context, QWidget* parent)
     layout->addLayout(summary);
     layout->addSpacing(4);
 
+    // What falls due month by month belongs to every grouping, so it comes before the group chart.
+    m_costsDue->setTitle(toQString(CostsDueChart::title));
+    layout->addWidget(m_costsDue);
+    m_costsDueEmpty->setForegroundRole(QPalette::PlaceholderText);
+    layout->addWidget(m_costsDueEmpty);
     layout->addWidget(m_chart);
     m_empty->setForegroundRole(QPalette::PlaceholderText);
     layout->addWidget(m_empty);
@@ -106,6 +116,7 @@ ExpenseView::ExpenseView(AppContext& context, QWidget* parent)
     layout->setAlignment(m_grid, Qt::AlignTop);
     layout->addStretch();
 
+    connect(m_costReport, &QPushButton::clicked, this, &ExpenseView::openCostReport);
     connect(m_groupBy, &QButtonGroup::idClicked, this, [this](int id) {
         m_screen.setGroupBy(ExpenseScreen::groupings[static_cast<std::size_t>(id)]);
         showGroups();
@@ -124,15 +135,36 @@ QAbstractButton* ExpenseView::groupButton(ExpenseScreen::GroupBy groupBy) const 
     return m_groupBy->button(static_cast<int>(at - ExpenseScreen::groupings.begin()));
 }
 
+CostReportSheet* ExpenseView::costReportSheet() const {
+    return findChild<CostReportSheet*>();
+}
+
+void ExpenseView::openCostReport() {
+    if (costReportSheet() != nullptr) {
+        return;
+    }
+    const QModelIndex current = m_grid->currentIndex();
+    const Organization* selected = m_screen.reportOrganization(
+        current.isValid() ? std::optional<std::size_t>(static_cast<std::size_t>(current.row()))
+                          : std::nullopt);
+    auto* sheet = new CostReportSheet(m_context, selected, this);
+    sheet->setAttribute(Qt::WA_DeleteOnClose);
+    sheet->open();
+}
+
 void ExpenseView::showScreen() {
     for (std::size_t i = 0; i < m_summary.size() && i < m_screen.summary().size(); ++i) {
         m_summary[i]->setCard(m_screen.summary()[i]);
     }
+    m_costReport->setEnabled(m_screen.canExportCostReport());
     showGroups();
 }
 
 void ExpenseView::showGroups() {
     const bool any = !m_screen.cards().empty();
+    m_costsDue->setBars(m_screen.costsDue().bars());
+    m_costsDue->setVisible(any && m_screen.costsDue().hasCostsDue());
+    m_costsDueEmpty->setVisible(any && !m_screen.costsDue().hasCostsDue());
     m_chart->setTitle(toQString(m_screen.chartTitle()));
     m_chart->setBars(m_screen.chart());
     m_chart->setVisible(any);

@@ -11,18 +11,21 @@
 class QAbstractButton;
 class QButtonGroup;
 class QLabel;
+class QPushButton;
 
 namespace vorlane {
 
 struct AppContext;
 class BarChart;
+class CostReportSheet;
 class ExpenseCardGrid;
 class ExpenseCardModel;
 class StatCardView;
 
-// "Expense Overview": the header, "Group by" with its three-way segmented picker, the four
-// summary cards, the chart of the groups' monthly costs and the grid of expense cards, on one
-// scrolling page. Follows the store.
+// "Expense Overview": the header, "Group by" with its three-way segmented picker and "Export Cost
+// Report…", the four summary cards, the chart of the costs due in the next twelve months, the
+// chart of the groups' monthly costs and the grid of expense cards, on one scrolling page.
+// Follows the store.
 class ExpenseView : public QScrollArea {
     Q_OBJECT
 
@@ -34,15 +37,24 @@ public:
     QAbstractButton* groupButton(ExpenseScreen::GroupBy groupBy) const;
     ExpenseCardGrid* cardGrid() const { return m_grid; }
     BarChart* chart() const { return m_chart; }
+    BarChart* costsDueChart() const { return m_costsDue; }
+    QPushButton* costReportButton() const { return m_costReport; }
+    // The sheet "Export Cost Report…" opened, window-modal, starting at the organization of the
+    // current card; null when none is open. It deletes itself once closed.
+    CostReportSheet* costReportSheet() const;
 
 private:
     void showScreen();
     void showGroups();
+    void openCostReport();
 
     AppContext& m_context;
     ExpenseScreen m_screen;
     QButtonGroup* m_groupBy;
     std::array<StatCardView*, 4> m_summary{};
+    QPushButton* m_costReport;
+    BarChart* m_costsDue;
+    QLabel* m_costsDueEmpty;
     BarChart* m_chart;
     ExpenseCardGrid* m_grid;
     ExpenseCardModel* m_cards;
