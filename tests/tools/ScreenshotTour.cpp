@@ -8,17 +8,24 @@
 
 #include "LibsecretBackend.h"
 #include "MainWindow.h"
+#include "PamAuthenticator.h"
+#include "PamTestEnvironment.h"
 #include "QtClipboard.h"
 #include "QtPreferenceStore.h"
 #include "QtTimers.h"
+#include "ScriptedPerson.h"
 #include "SymbolIcon.h"
 #include "app/AppContext.h"
 #include "app/AppState.h"
 #include "app/ServiceActions.h"
 #include "auth/AuthManager.h"
+#include "backup/BackupFile.h"
+#include "backup/BackupSnapshot.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
+#include "screens/BackupSheet.h"
 #include "screens/ImportSheet.h"
+#include "screens/RestoreSheet.h"
 #include "screens/SettingsScreen.h"
 #include "secrets/KeychainManager.h"
 #include "store/DataStore.h"
@@ -28,6 +35,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDBusConnection>
 #include <QDialog>
 #include <QDir>
 #include <QFile>
@@ -202,6 +210,131 @@ void walkImport(MainWindow& window, const DataStore& store, const QString& folde
     QFile::remove(path);
 }
 
+constexpr const char* tourBackupPassword = "violet tractor harbour 1947";
+
+// Walks the back-up sheet: the authentication step, then (when PAM answers, see the README)
+// a weak password, a good one typed twice, the busy bar and the summary. Returns the backup it
+// wrote, or nothing.
+std::optional<QString> walkBackup(MainWindow& window, const QString& folder) {
+    window.showBackupSheet();
+    auto* sheet = window.findChild<BackupSheet*>();
+    if (sheet == nullptr) {
+        return std::nullopt;
+    }
+    save(sheet, folder, QStringLiteral("sheet-backup-authenticate"));
+    if (QPushButton* authenticate = button(sheet, QStringLiteral("Authenticate"))) {
+        authenticate->click();
+    }
+    for (int i = 0; i < 100 && sheet->flow().isAuthenticating(); ++i) {
+        QTest::qWait(50);
+    }
+    if (sheet->flow().step() != BackupFlow::Step::password) {
+        save(sheet, folder, QStringLiteral("sheet-backup-refused"));
+        sheet->reject();
+        return std::nullopt;
+    }
+    auto setField = [sheet](const QString& name, const QString& text) {
+        for (QLineEdit* field : sheet->findChildren<QLineEdit*>()) {
+            if (field->accessibleName() == name) {
+                field->setText(text);
+            }
+        }
+    };
+    setField(QStringLiteral("Backup password"), QStringLiteral("Summer2025!"));
+    setField(QStringLiteral("Repeat backup password"), QStringLiteral("Summer2024!"));
+    save(sheet, folder, QStringLiteral("sheet-backup-password-weak"));
+    setField(QStringLiteral("Backup password"), QString::fromLatin1(tourBackupPassword));
+    setField(QStringLiteral("Repeat backup password"), QString::fromLatin1(tourBackupPassword));
+    save(sheet, folder, QStringLiteral("sheet-backup-password"));
+    const QString path = folder + QStringLiteral("/tour.vorlanebackup");
+    QFile::remove(path);
+    sheet->setFileChooser([path](const QString&) { return std::optional(path); });
+    if (QPushButton* backUp = button(sheet, QStringLiteral("Back Up\u2026"))) {
+        backUp->click();
+    }
+    save(sheet, folder, QStringLiteral("sheet-backup-working"));
+    for (int i = 0; i < 200 && sheet->flow().step() == BackupFlow::Step::working; ++i) {
+        QTest::qWait(50);
+    }
+    save(sheet, folder, QStringLiteral("sheet-backup-done"));
+    sheet->reject();
+    return QFile::exists(path) ? std::optional(path) : std::nullopt;
+}
+
+// Walks the restore sheet with `backup`: the file step, a file that is no backup, the password
+// (wrong, then right), the summary of a merge into the tour's vault, and the result.
+void walkRestore(MainWindow& window, const QString& folder, const QString& backup) {
+    window.showRestoreSheet();
+    auto* sheet = window.findChild<RestoreSheet*>();
+    if (sheet == nullptr) {
+        return;
+    }
+    save(sheet, folder, QStringLiteral("sheet-restore-file"));
+    sheet->chooseFile(folder + QStringLiteral("/tour.sqlite"));
+    save(sheet, folder, QStringLiteral("sheet-restore-not-a-backup"));
+    sheet->chooseFile(backup);
+    auto open = [&](const QString& password) {
+        for (QLineEdit* field : sheet->findChildren<QLineEdit*>()) {
+            if (field->accessibleName() == QStringLiteral("Backup password")) {
+                field->setText(password);
+            }
+        }
+        if (QPushButton* openButton = button(sheet, QStringLiteral("Open"))) {
+            openButton->click();
+        }
+    };
+    save(sheet, folder, QStringLiteral("sheet-restore-password"));
+    open(QStringLiteral("not the backup password"));
+    save(sheet, folder, QStringLiteral("sheet-restore-opening"));
+    for (int i = 0; i < 200 && sheet->flow().isOpening(); ++i) {
+        QTest::qWait(50);
+    }
+    save(sheet, folder, QStringLiteral("sheet-restore-wrong-password"));
+    open(QString::fromLatin1(tourBackupPassword));
+    for (int i = 0; i < 200 && sheet->flow().isOpening(); ++i) {
+        QTest::qWait(50);
+    }
+    save(sheet, folder, QStringLiteral("sheet-restore-summary"));
+    if (QPushButton* restore = button(sheet, QStringLiteral("Restore"))) {
+        restore->click();
+    }
+    for (int i = 0; i < 400 && sheet->flow().step() == RestoreFlow::Step::restoring; ++i) {
+        QTest::qWait(50);
+    }
+    save(sheet, folder, QStringLiteral("sheet-restore-done"));
+    sheet->reject();
+}
+
+// Both sheets, the back-up one first. Under pam_wrapper (see the README) a person stand-in
+// types the system password, so that the back-up sheet goes past its first step; otherwise the
+// backup the restore sheet opens is written directly.
+void walkBackupAndRestore(MainWindow& window, DataStore& store, const UserCalendar& calendar,
+                          const QString& folder) {
+    testing::ScriptedPerson person;
+    testing::PamPasswords passwords;
+    QtTimers authLoop;
+    std::unique_ptr<PamAuthenticator> authenticator;
+    if (testing::PamPasswords::wrapped()) {
+        authenticator = std::make_unique<PamAuthenticator>(
+            authLoop, person.factory(), FprintdProbe(QDBusConnection(QStringLiteral("no-bus"))));
+        passwords.set(authenticator->userName(), "tour password");
+        person.willType("tour password");
+        AuthManager::shared().connectPlatform(*authenticator, authLoop);
+    }
+    std::optional<QString> backup = walkBackup(window, folder);
+    AuthManager::shared().disconnectPlatform();
+    if (!backup) {
+        const QString path = folder + QStringLiteral("/tour.vorlanebackup");
+        const std::optional<BackupContents> contents = BackupSnapshot::take(store, calendar.now());
+        if (contents && !BackupFile::write(path.toStdString(), *contents, tourBackupPassword)) {
+            backup = path;
+        }
+    }
+    if (backup) {
+        walkRestore(window, folder, *backup);
+    }
+}
+
 } // namespace
 
 int main(int argc, char* argv[]) {
@@ -337,6 +470,7 @@ int main(int argc, char* argv[]) {
         }
     }
     walkImport(window, store, folder);
+    walkBackupAndRestore(window, store, calendar, folder);
     settle();
     return 0;
 }

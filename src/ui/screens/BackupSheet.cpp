@@ -86,6 +86,7 @@ QWidget* BackupSheet::createPasswordStep() {
     auto* layout = new QVBoxLayout(page);
     layout->setContentsMargins(20, 12, 20, 8);
     layout->addWidget(explanation(BackupFlow::passwordExplanation));
+    layout->addSpacing(8);
 
     auto* fields = new QGridLayout;
     auto* passwordLabel = new QLabel(QStringLiteral("Backup password:"));
