@@ -114,6 +114,7 @@ void walkSmartPaste(QDialog* sheet, const QString& folder) {
                 "Hello Maria,\n\nYour new VPS is ready.\n\nServer IP: 203.0.113.42\n"
                 "Root password: Vx7#qLm2pT\nBackup password: Bk-77f3-zz91\n"
                 "API token: tok_live_8d7Hq2Lx\nPort: 2222\n"
+                "Two-factor: otpauth://totp/Northwind:maria?secret=JBSWY3DPEHPK3PXP\n"
                 "Control panel: https://my.northwind.example/clientarea\n"
                 "Provider: Northwind Cloud\n\nYour next invoice is due on 2026-04-15.\n"));
         }
