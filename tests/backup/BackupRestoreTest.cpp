@@ -8,6 +8,7 @@
 #include "RandomVault.h"
 #include "TestKeyring.h"
 #include "VaultFixture.h"
+#include "backup/BackupFile.h"
 #include "backup/BackupSnapshot.h"
 
 #include <sys/resource.h>
@@ -66,7 +67,7 @@ protected:
     }
 };
 
-TEST_F(BackupRestoreTest, RandomVaultsComeBackWholeIntoAFreshVaultAndAnEmptiedKeyring) {
+TEST_F(BackupRestoreTest, RandomVaultsComeBackWholeThroughABackupFileIntoAFreshVaultAndKeyring) {
     for (const std::uint32_t seed : {11u, 12u, 13u}) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         const std::string source = m_folder + "/source-" + std::to_string(seed) + ".sqlite";
@@ -85,6 +86,13 @@ TEST_F(BackupRestoreTest, RandomVaultsComeBackWholeIntoAFreshVaultAndAnEmptiedKe
             ASSERT_FALSE(contents->missingSecrets.empty());
             m_store.reset();
         }
+        // Through the file, as a backup travels (with a cheap key derivation: its cost is not
+        // what is tested here).
+        const std::string password = "correct horse battery staple";
+        auto opened = BackupFile::open(
+            BackupFile::seal(*contents, password, BackupKdfParameters{64, 1, 1}), password);
+        ASSERT_TRUE(opened.ok()) << opened.error();
+        contents = std::move(opened).value();
         // A new machine: none of the vault's secrets in the keyring.
         for (const auto& [account, secret] : contents->secrets) {
             ASSERT_TRUE(m_keychain.remove(account));
