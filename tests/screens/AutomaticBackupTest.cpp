@@ -209,7 +209,9 @@ TEST_F(AutomaticBackupTest, AFailureIsNotifiedOnceUntilABackupSucceedsOrTheReaso
     EXPECT_EQ(m_server.shown()[0].value("summary").toString(),
               QString::fromUtf8(AutomaticBackup::failureTitle.data(),
                                 static_cast<qsizetype>(AutomaticBackup::failureTitle.size())));
-    EXPECT_EQ(m_server.shown()[0].value("body").toString(), QString::fromStdString(missing));
+    EXPECT_EQ(m_server.shown()[0].value("body").toString(),
+              QString::fromStdString("Vorlane could not back up your vault into " + folder + ": " +
+                                     missing));
     EXPECT_FALSE(fs::exists(folder)) << "nothing made in its place";
 
     // Tried again an hour later (still due: nothing succeeded today), and the same reason is not

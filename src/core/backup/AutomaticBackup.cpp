@@ -161,12 +161,12 @@ void AutomaticBackup::finish(const Attempt& attempt, std::optional<std::string> 
     if (!error) {
         m_preferences.setStringValue(notifiedFailureKey, {});
     } else if (attempt.trigger == Trigger::schedule) {
-        notifyFailure(*error);
+        notifyFailure(*error, attempt.folder);
     }
     changed.emit();
 }
 
-void AutomaticBackup::notifyFailure(const std::string& reason) {
+void AutomaticBackup::notifyFailure(const std::string& reason, const std::string& folder) {
     if (m_preferences.stringValue(notifiedFailureKey, {}) == reason) {
         return;
     }
@@ -174,7 +174,9 @@ void AutomaticBackup::notifyFailure(const std::string& reason) {
     NotificationRequest request;
     request.identifier = failureIdentifier;
     request.title = failureTitle;
-    request.body = reason;
+    request.body = folder.empty()
+                       ? reason
+                       : "Vorlane could not back up your vault into " + folder + ": " + reason;
     request.categoryIdentifier = failureCategory;
     request.dueMinute = std::chrono::floor<std::chrono::minutes>(m_calendar.now());
     m_notifications.show(std::move(request));

@@ -95,7 +95,8 @@ private:
 
     void start(Trigger trigger);
     void finish(const Attempt& attempt, std::optional<std::string> error);
-    void notifyFailure(const std::string& reason);
+    // `folder`: where the backup was to go.
+    void notifyFailure(const std::string& reason, const std::string& folder);
     void noteVaultChanged();
 
     DataStore& m_store;

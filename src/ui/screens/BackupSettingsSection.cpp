@@ -79,6 +79,8 @@ BackupSettingsSection::BackupSettingsSection(AutomaticBackup& backups, const Use
     m_keepCount->setRange(BackupSettingsScreen::minimumKeepCount(),
                           BackupSettingsScreen::maximumKeepCount());
     m_keepCount->setAccessibleName(toQString(BackupSettingsScreen::keepLabel));
+    // A count of up to three digits: the box need not span the sheet.
+    m_keepCount->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     form->addRow(toQString(BackupSettingsScreen::keepLabel), m_keepCount);
 
     auto* passwordLabel = new QLabel(toQString(BackupSettingsScreen::passwordLabel));
