@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // vorlane-cli: the vault from a terminal, for scripts, demos and the recipient of an export.
 
+#include "BackupCommand.h"
 #include "CalendarCommand.h"
 #include "CliCommand.h"
 #include "DemoCommand.h"
@@ -13,9 +14,11 @@
 #include "ParsePasteCommand.h"
 #include "ProcessHardening.h"
 #include "ReportCommand.h"
+#include "RestoreCommand.h"
 #include "SearchCommand.h"
 #include "TotalsCommand.h"
 #include "TotpCommand.h"
+#include "VerifyBackupCommand.h"
 
 #include <iostream>
 #include <memory>
@@ -41,6 +44,9 @@ std::vector<std::unique_ptr<CliCommand>> makeCommands() {
     commands.push_back(std::make_unique<vorlane::ReportCommand>());
     commands.push_back(std::make_unique<vorlane::TotpCommand>());
     commands.push_back(std::make_unique<vorlane::HealthCommand>());
+    commands.push_back(std::make_unique<vorlane::BackupCommand>());
+    commands.push_back(std::make_unique<vorlane::RestoreCommand>());
+    commands.push_back(std::make_unique<vorlane::VerifyBackupCommand>());
     return commands;
 }
 
@@ -50,9 +56,10 @@ std::vector<std::unique_ptr<CliCommand>> makeCommands() {
 void printHelp(const std::vector<std::unique_ptr<CliCommand>>& commands) {
     std::cout << "Usage: vorlane-cli [--vault PATH] [--json] COMMAND [ARGUMENTS]\n"
                  "Work on the Vorlane vault without its window: search it, list renewals and\n"
-                 "costs, make a demo vault, and open an export bundle sent to you. The vault's\n"
-                 "passwords and API keys stay in the desktop's Secret Service: no command\n"
-                 "prints them. Without --vault the vault is vault.sqlite in $VORLANE_DATA_DIR,\n"
+                 "costs, make a demo vault, back it up with its secrets and restore it, and\n"
+                 "open an export bundle sent to you. The vault's passwords and API keys stay\n"
+                 "in the desktop's Secret Service (or sealed in a backup): no command prints\n"
+                 "them. Without --vault the vault is vault.sqlite in $VORLANE_DATA_DIR,\n"
                  "else in $XDG_DATA_HOME/vorlane, else in ~/.local/share/vorlane.\n\n"
                  "Commands:\n";
     for (const auto& command : commands) {

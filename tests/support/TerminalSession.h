@@ -34,11 +34,11 @@ inline std::string readTerminal(int master, const std::string& until) {
     return seen;
 }
 
-// Runs `program` with `arguments` on a new terminal, types `typed` at the first
-// "Password: " prompt (when given), and returns everything it showed and its exit status.
-inline std::pair<int, std::string> onTerminal(const char* program,
-                                              const std::vector<std::string>& arguments,
-                                              const std::string& typed) {
+// Runs `program` with `arguments` on a new terminal and answers its questions in order: each
+// answer is typed once its prompt has appeared. Returns everything it showed and its exit status.
+inline std::pair<int, std::string>
+onTerminal(const char* program, const std::vector<std::string>& arguments,
+           const std::vector<std::pair<std::string, std::string>>& answers) {
     int master = -1;
     const pid_t pid = forkpty(&master, nullptr, nullptr, nullptr);
     if (pid == 0) {
@@ -51,9 +51,9 @@ inline std::pair<int, std::string> onTerminal(const char* program,
         _exit(127);
     }
     std::string shown;
-    if (!typed.empty()) {
-        shown = readTerminal(master, "Password: ");
-        const std::string line = typed + "\n";
+    for (const auto& [prompt, answer] : answers) {
+        shown += readTerminal(master, prompt);
+        const std::string line = answer + "\n";
         if (::write(master, line.data(), line.size()) != static_cast<ssize_t>(line.size())) {
             shown += "<the answer could not be typed>";
         }
@@ -68,6 +68,17 @@ inline std::pair<int, std::string> onTerminal(const char* program,
     }
     ::close(master);
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, shown};
+}
+
+// Runs `program` with `arguments` on a new terminal, types `typed` at the first
+// "Password: " prompt (when given), and returns everything it showed and its exit status.
+inline std::pair<int, std::string> onTerminal(const char* program,
+                                              const std::vector<std::string>& arguments,
+                                              const std::string& typed) {
+    if (typed.empty()) {
+        return onTerminal(program, arguments, std::vector<std::pair<std::string, std::string>>{});
+    }
+    return onTerminal(program, arguments, {{"Password: ", typed}});
 }
 
 } // namespace vorlane::testing
