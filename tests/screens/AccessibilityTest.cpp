@@ -2,10 +2,14 @@
 #include "MainWindow.h"
 #include "ScreenFixture.h"
 #include "WidgetLookup.h"
+#include "backup/BackupFile.h"
+#include "backup/BackupSnapshot.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
+#include "screens/BackupSheet.h"
 #include "screens/ImportSheet.h"
 #include "screens/OrganizationFormSheet.h"
+#include "screens/RestoreSheet.h"
 #include "screens/ServiceFormSheet.h"
 #include "screens/ShareSheet.h"
 #include "screens/SidebarView.h"
@@ -404,6 +408,46 @@ TEST_F(AccessibilityTest, TheMainWindowWorksFromTheKeyboardAlone) {
     EXPECT_NE(m_state.selectedService(), nullptr) << "Return on a service row";
     QApplication::processEvents();
     EXPECT_EQ(window.detailRoute(), DetailScreen::serviceDetail);
+}
+
+// Each step of the back-up and the restore sheets, errors shown, with real PAM and a backup of
+// the fixture's vault (sealed at the least key-derivation cost, so that it opens quickly).
+TEST_F(AccessibilityTest, TheBackupAndRestoreSheetsAreNamedAndReadInOrderAtEveryStep) {
+    connectAuthentication();
+    m_person.willType(userPassword);
+    BackupSheet backup(context());
+    backup.show();
+    expectEverythingNamed(backup, QStringLiteral("back up, authentication step"));
+    QTest::mouseClick(buttonTitled(backup, QStringLiteral("Authenticate")), Qt::LeftButton);
+    ASSERT_TRUE(waitFor([&] { return backup.flow().step() == BackupFlow::Step::password; }));
+    QTest::keyClicks(childNamed<QLineEdit>(backup, QStringLiteral("Backup password")),
+                     QStringLiteral("short"));
+    QTest::keyClicks(childNamed<QLineEdit>(backup, QStringLiteral("Repeat backup password")),
+                     QStringLiteral("other"));
+    expectEverythingNamed(backup, QStringLiteral("back up, password step"));
+    expectReadingOrder(backup, QStringLiteral("back up, password step"));
+
+    const std::string path = m_folder.filePath(QStringLiteral("a11y.vorlanebackup")).toStdString();
+    const std::optional<BackupContents> contents = BackupSnapshot::take(store(), m_clock.now());
+    ASSERT_TRUE(contents.has_value());
+    ASSERT_FALSE(BackupFile::write(path, *contents, "violet tractor harbour 1947",
+                                   {.memoryKiB = 64, .passes = 1, .lanes = 1}));
+    RestoreSheet restore(context());
+    restore.show();
+    expectEverythingNamed(restore, QStringLiteral("restore, file step"));
+    restore.chooseFile(QString::fromStdString(path));
+    ASSERT_EQ(restore.flow().step(), RestoreFlow::Step::password);
+    QTest::keyClicks(childNamed<QLineEdit>(restore, QStringLiteral("Backup password")),
+                     QStringLiteral("violet tractor harbour 1947"));
+    expectEverythingNamed(restore, QStringLiteral("restore, password step"));
+    expectReadingOrder(restore, QStringLiteral("restore, password step"));
+    QTest::mouseClick(buttonTitled(restore, QStringLiteral("Open")), Qt::LeftButton);
+    ASSERT_TRUE(waitFor([&] { return restore.flow().step() == RestoreFlow::Step::summary; }));
+    expectEverythingNamed(restore, QStringLiteral("restore, summary step"));
+    expectReadingOrder(restore, QStringLiteral("restore, summary step"));
+    QTest::mouseClick(buttonTitled(restore, QStringLiteral("Restore")), Qt::LeftButton);
+    ASSERT_TRUE(waitFor([&] { return restore.flow().step() == RestoreFlow::Step::done; }));
+    expectEverythingNamed(restore, QStringLiteral("restore, result"));
 }
 
 } // namespace

@@ -3,7 +3,9 @@
 
 #include "ScreenFixture.h"
 #include "model/Organization.h"
+#include "screens/BackupSheet.h"
 #include "screens/ImportSheet.h"
+#include "screens/RestoreSheet.h"
 
 #include <QAction>
 #include <QApplication>
@@ -99,6 +101,35 @@ TEST_F(MainWindowTest, ImportOpensOneSheetFromTheMenuOrTheAddMenu) {
     fromAdd->trigger();
     ASSERT_EQ(window.findChildren<ImportSheet*>().size(), 1);
     EXPECT_TRUE(window.findChild<ImportSheet*>()->isVisible());
+}
+
+// File → Back Up Vault… and Restore from Backup… open one window-modal sheet each, however often
+// they are chosen, each on a shortcut of its own.
+TEST_F(MainWindowTest, BackUpAndRestoreOpenOneSheetEach) {
+    MainWindow window(context());
+    window.show();
+    QAction* backUp = command(window, QStringLiteral("Back Up Vault\u2026"));
+    QAction* restore = command(window, QStringLiteral("Restore from Backup\u2026"));
+    ASSERT_NE(backUp, nullptr);
+    ASSERT_NE(restore, nullptr);
+    EXPECT_EQ(backUp->shortcut(), QKeySequence(QStringLiteral("Ctrl+Shift+B")));
+    EXPECT_EQ(restore->shortcut(), QKeySequence(QStringLiteral("Ctrl+Shift+R")));
+    backUp->trigger();
+    backUp->trigger();
+    restore->trigger();
+    restore->trigger();
+    ASSERT_EQ(window.findChildren<BackupSheet*>().size(), 1);
+    ASSERT_EQ(window.findChildren<RestoreSheet*>().size(), 1);
+    EXPECT_EQ(window.findChild<BackupSheet*>()->windowModality(), Qt::WindowModal);
+    EXPECT_EQ(window.findChild<RestoreSheet*>()->windowModality(), Qt::WindowModal);
+
+    QPointer<BackupSheet> first = window.findChild<BackupSheet*>();
+    first->reject();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(first.isNull());
+    backUp->trigger();
+    ASSERT_EQ(window.findChildren<BackupSheet*>().size(), 1);
+    EXPECT_TRUE(window.findChild<BackupSheet*>()->isVisible());
 }
 
 TEST_F(MainWindowTest, ClosingASheetClearsItsFlagAndClearingTheFlagClosesIt) {

@@ -15,6 +15,7 @@
 #include <QFileDialog>
 #include <QFont>
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -109,17 +110,22 @@ QWidget* BackupSheet::createPasswordStep() {
             m_frame.main()->setFocus();
         });
     });
+    // One row of one height: the field grows to the button's, so that both start on the same
+    // line for the eye and for Tab (the field would otherwise sit lower and read second).
+    m_password->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    auto* passwordRow = new QHBoxLayout;
+    passwordRow->addWidget(m_password, 1);
+    passwordRow->addWidget(generate);
     fields->addWidget(passwordLabel, 0, 0);
-    fields->addWidget(m_password, 0, 1);
-    fields->addWidget(generate, 0, 2);
+    fields->addLayout(passwordRow, 0, 1);
     m_meter = new StrengthMeter;
-    fields->addWidget(m_meter, 1, 1, 1, 2);
+    fields->addWidget(m_meter, 1, 1);
     m_strength = new QLabel;
     m_strength->setForegroundRole(QPalette::PlaceholderText);
-    fields->addWidget(m_strength, 2, 1, 1, 2);
+    fields->addWidget(m_strength, 2, 1);
     m_passwordProblem = ErrorLabel::create();
     m_passwordProblem->setAccessibleName(QStringLiteral("Backup password problem"));
-    fields->addWidget(m_passwordProblem, 3, 1, 1, 2);
+    fields->addWidget(m_passwordProblem, 3, 1);
 
     auto* confirmationLabel = new QLabel(QStringLiteral("Repeat password:"));
     m_confirmation = new QLineEdit;
@@ -127,10 +133,10 @@ QWidget* BackupSheet::createPasswordStep() {
     m_confirmation->setAccessibleName(QStringLiteral("Repeat backup password"));
     confirmationLabel->setBuddy(m_confirmation);
     fields->addWidget(confirmationLabel, 4, 0);
-    fields->addWidget(m_confirmation, 4, 1, 1, 2);
+    fields->addWidget(m_confirmation, 4, 1);
     m_confirmationProblem = ErrorLabel::create();
     m_confirmationProblem->setAccessibleName(QStringLiteral("Repeated password problem"));
-    fields->addWidget(m_confirmationProblem, 5, 1, 1, 2);
+    fields->addWidget(m_confirmationProblem, 5, 1);
     fields->setColumnStretch(1, 1);
     layout->addLayout(fields);
 
