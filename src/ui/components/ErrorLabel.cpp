@@ -6,6 +6,7 @@
 #include "components/PlainText.h"
 
 #include <QLabel>
+#include <QVBoxLayout>
 
 namespace vorlane {
 
@@ -24,6 +25,16 @@ QLabel* ErrorLabel::create() {
 void ErrorLabel::show(QLabel& label, const std::string& text) {
     label.setText(toQString(text));
     label.setVisible(!text.empty());
+}
+
+QWidget* ErrorLabel::under(QWidget* field, QLabel* error) {
+    auto* cell = new QWidget;
+    auto* layout = new QVBoxLayout(cell);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
+    layout->addWidget(field);
+    layout->addWidget(error);
+    return cell;
 }
 
 } // namespace vorlane

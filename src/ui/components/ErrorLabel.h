@@ -4,6 +4,7 @@
 #include <string>
 
 class QLabel;
+class QWidget;
 
 namespace vorlane {
 
@@ -16,6 +17,8 @@ public:
     static QLabel* create();
     // Shows `text`, or hides the label when it is empty.
     static void show(QLabel& label, const std::string& text);
+    // `field` with `error` under it, as one cell of a form; the cell owns both.
+    static QWidget* under(QWidget* field, QLabel* error);
 };
 
 } // namespace vorlane

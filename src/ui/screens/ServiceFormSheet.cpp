@@ -4,9 +4,9 @@
 #include "QrCodeReader.h"
 #include "QtText.h"
 #include "app/AppContext.h"
+#include "components/ErrorLabel.h"
 #include "components/PaletteColor.h"
 #include "components/PasswordGeneratorPopup.h"
-#include "components/PlainText.h"
 #include "components/TintedIcon.h"
 #include "model/Organization.h"
 #include "util/UserCalendar.h"
@@ -39,35 +39,6 @@ namespace vorlane {
 namespace {
 
 using SecretKind = ServiceForm::SecretKind;
-
-// A problem may quote what was typed.
-QLabel* errorLabel() {
-    auto* label = PlainText::label();
-    label->setWordWrap(true);
-    QPalette palette = label->palette();
-    palette.setColor(
-        QPalette::WindowText,
-        PaletteColor::foreground(PaletteColor::color(Palette::Color::red, palette), palette));
-    label->setPalette(palette);
-    label->hide();
-    return label;
-}
-
-void showError(QLabel* label, const std::string& text) {
-    label->setText(toQString(text));
-    label->setVisible(!text.empty());
-}
-
-// The field with its problem under it, as one cell of the form.
-QWidget* withError(QWidget* field, QLabel* error) {
-    auto* cell = new QWidget;
-    auto* layout = new QVBoxLayout(cell);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(2);
-    layout->addWidget(field);
-    layout->addWidget(error);
-    return cell;
-}
 
 QGroupBox* group(const QString& title, QFormLayout*& form) {
     auto* box = new QGroupBox(title);
@@ -118,10 +89,10 @@ ServiceFormSheet::ServiceFormSheet(AppContext& context, QWidget* parent)
             index >= 0 && index < static_cast<int>(list.size()) ? list[index] : nullptr;
         refresh();
     });
-    m_organizationError = errorLabel();
+    m_organizationError = ErrorLabel::create();
     auto* organizationLabel = new QLabel(QStringLiteral("Organization"));
     organizationLabel->setBuddy(organization);
-    form->addRow(organizationLabel, withError(organization, m_organizationError));
+    form->addRow(organizationLabel, ErrorLabel::under(organization, m_organizationError));
 
     auto* type = new QComboBox;
     type->setAccessibleName(QStringLiteral("Service Type"));
@@ -158,11 +129,11 @@ ServiceFormSheet::ServiceFormSheet(AppContext& context, QWidget* parent)
                  createSecretRow(SecretKind::password, QStringLiteral("Password")));
     form->addRow(QStringLiteral("API Key"),
                  createSecretRow(SecretKind::apiKey, QStringLiteral("API Key")));
-    m_oneTimeCodeError = errorLabel();
+    m_oneTimeCodeError = ErrorLabel::create();
     form->addRow(
         QStringLiteral("One-Time Code"),
-        withError(createSecretRow(SecretKind::oneTimeCode, QStringLiteral("One-Time Code")),
-                  m_oneTimeCodeError));
+        ErrorLabel::under(createSecretRow(SecretKind::oneTimeCode, QStringLiteral("One-Time Code")),
+                          m_oneTimeCodeError));
 
     // -- Dates
     bodyLayout->addWidget(group(QStringLiteral("Dates"), form));
@@ -244,7 +215,7 @@ ServiceFormSheet::ServiceFormSheet(AppContext& context, QWidget* parent)
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
 
-    m_saveError = errorLabel();
+    m_saveError = ErrorLabel::create();
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
     m_save = buttons->addButton(toQString(m_form.saveText()), QDialogButtonBox::AcceptRole);
     connect(buttons, &QDialogButtonBox::accepted, this, [this] { save(); });
@@ -282,8 +253,8 @@ QLineEdit* ServiceFormSheet::addLine(QFormLayout* form, const QString& label, st
     auto* caption = new QLabel(label);
     caption->setBuddy(edit);
     if (error != nullptr) {
-        *error = errorLabel();
-        form->addRow(caption, withError(edit, *error));
+        *error = ErrorLabel::create();
+        form->addRow(caption, ErrorLabel::under(edit, *error));
     } else {
         form->addRow(caption, edit);
     }
@@ -438,13 +409,13 @@ void ServiceFormSheet::refreshSecret(SecretKind kind) {
 
 void ServiceFormSheet::refresh() {
     const ServiceForm::Errors errors = m_form.errors();
-    showError(m_organizationError, errors.organization);
-    showError(m_titleError, errors.title);
-    showError(m_portError, errors.port);
-    showError(m_monthlyError, errors.monthlyCost);
-    showError(m_yearlyError, errors.yearlyCost);
-    showError(m_oneTimeCodeError,
-              errors.oneTimeCode.empty() ? m_form.qrCodeError() : errors.oneTimeCode);
+    ErrorLabel::show(*m_organizationError, errors.organization);
+    ErrorLabel::show(*m_titleError, errors.title);
+    ErrorLabel::show(*m_portError, errors.port);
+    ErrorLabel::show(*m_monthlyError, errors.monthlyCost);
+    ErrorLabel::show(*m_yearlyError, errors.yearlyCost);
+    ErrorLabel::show(*m_oneTimeCodeError,
+                     errors.oneTimeCode.empty() ? m_form.qrCodeError() : errors.oneTimeCode);
     m_save->setEnabled(!errors.any());
     refreshSecret(SecretKind::password);
     refreshSecret(SecretKind::apiKey);
@@ -456,7 +427,7 @@ void ServiceFormSheet::save() {
         accept();
         return;
     }
-    showError(m_saveError, m_form.saveError());
+    ErrorLabel::show(*m_saveError, m_form.saveError());
 }
 
 } // namespace vorlane

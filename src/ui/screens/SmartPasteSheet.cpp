@@ -268,13 +268,7 @@ QWidget* SmartPasteSheet::createOneTimeCodeField() {
         refresh();
     });
     m_oneTimeCodeError = ErrorLabel::create();
-    auto* cell = new QWidget;
-    auto* layout = new QVBoxLayout(cell);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(2);
-    layout->addWidget(m_oneTimeCode);
-    layout->addWidget(m_oneTimeCodeError);
-    return cell;
+    return ErrorLabel::under(m_oneTimeCode, m_oneTimeCodeError);
 }
 
 QWidget* SmartPasteSheet::createDoneStep() {
