@@ -6,6 +6,7 @@
 #include "app/AppContext.h"
 #include "app/AppState.h"
 #include "auth/AuthManager.h"
+#include "backup/InventoryCsv.h"
 #include "calendar/RenewalsCalendarFile.h"
 #include "components/PlainText.h"
 #include "screens/BackupSheet.h"
@@ -93,6 +94,9 @@ QAction* addCommand(QMenu* menu, const QString& title, const QKeySequence& short
 MainWindow::MainWindow(AppContext& context, QWidget* parent)
     : QMainWindow(parent)
     , m_context(context)
+    , m_chooseSaveFile([this](const QString& caption, const QString& path, const QString& filter) {
+        return QFileDialog::getSaveFileName(this, caption, path, filter);
+    })
     , m_search(new QLineEdit)
     , m_sidebar(new SidebarView(context))
     , m_detail(new QStackedWidget) {
@@ -166,6 +170,8 @@ void MainWindow::createMenus() {
     file->addSeparator();
     addCommand(file, QStringLiteral("Export Renewals Calendar\u2026"), QKeySequence(),
                [this] { exportRenewalsCalendar(); });
+    addCommand(file, QStringLiteral("Export Inventory\u2026"), QKeySequence(),
+               [this] { exportInventory(); });
     file->addSeparator();
     addCommand(file, QStringLiteral("Back Up Vault\u2026"),
                QKeySequence(QStringLiteral("Ctrl+Shift+B")), [this] { showBackupSheet(); });
@@ -344,10 +350,10 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 }
 
 void MainWindow::exportRenewalsCalendar() {
-    const QString path = QFileDialog::getSaveFileName(
-        this, QStringLiteral("Export Renewals Calendar"),
-        QDir::home().filePath(toQString(RenewalsCalendar::proposedFileName)),
-        QStringLiteral("iCalendar (*.ics)"));
+    const QString path =
+        m_chooseSaveFile(QStringLiteral("Export Renewals Calendar"),
+                         QDir::home().filePath(toQString(RenewalsCalendar::proposedFileName)),
+                         QStringLiteral("iCalendar (*.ics)"));
     if (path.isEmpty()) {
         return;
     }
@@ -366,6 +372,24 @@ void MainWindow::exportRenewalsCalendar() {
     if (calendar.eventCount == 0) {
         QMessageBox::information(this, QStringLiteral("Export Renewals Calendar"),
                                  toQString(RenewalsCalendar::nothingToExport));
+    }
+}
+
+void MainWindow::exportInventory() {
+    const QString path = m_chooseSaveFile(QStringLiteral("Export Inventory"),
+                                          QDir::home().filePath(toQString(InventoryCsv::fileName(
+                                              m_context.calendar.now(), m_context.calendar))),
+                                          QStringLiteral("CSV (*.csv)"));
+    if (path.isEmpty()) {
+        return;
+    }
+    if (const auto error =
+            InventoryCsv::write(path.toStdString(), m_context.store, m_context.calendar)) {
+        // The reason names the chosen path, which is the user's own text.
+        QMessageBox box(QMessageBox::Warning, QStringLiteral("Export Inventory"), toQString(*error),
+                        QMessageBox::Ok, this);
+        PlainText::apply(box);
+        box.exec();
     }
 }
 

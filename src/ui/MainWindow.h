@@ -9,6 +9,7 @@
 #include <QPointer>
 
 #include <array>
+#include <functional>
 
 class QDialog;
 class QLineEdit;
@@ -45,6 +46,14 @@ public:
     void showSettingsWindow();
     // Asks where, then writes the renewals as an iCalendar file there.
     void exportRenewalsCalendar();
+    // Asks where, then writes the inventory there (every service, no secrets, as CSV).
+    void exportInventory();
+
+    // Where an export goes: the save dialog's answer (caption, proposed path, name filter), an
+    // empty path when the person cancels. A file dialog unless replaced (tests answer it).
+    using SaveFileChooser =
+        std::function<QString(const QString& caption, const QString& path, const QString& filter)>;
+    void setSaveFileChooser(SaveFileChooser chooser) { m_chooseSaveFile = std::move(chooser); }
     // Opens the import sheet, or brings forward the one already open.
     void showImportSheet();
     // Open the back-up or the restore sheet, or bring forward the one already open.
@@ -77,6 +86,7 @@ private:
     void syncSheets();
 
     AppContext& m_context;
+    SaveFileChooser m_chooseSaveFile;
     QLineEdit* m_search;
     SidebarView* m_sidebar;
     QStackedWidget* m_detail;

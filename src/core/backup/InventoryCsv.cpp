@@ -7,6 +7,7 @@
 #include "store/DataStore.h"
 #include "util/CsvText.h"
 #include "util/DateText.h"
+#include "util/PrivateFile.h"
 #include "util/TagText.h"
 #include "util/UserCalendar.h"
 
@@ -130,6 +131,14 @@ std::string InventoryCsv::text(const DataStore& store, const UserCalendar& calen
 
 std::string InventoryCsv::fileName(Instant now, const UserCalendar& calendar) {
     return "Vorlane-Inventory-" + DateText::isoDay(now, calendar) + ".csv";
+}
+
+std::optional<std::string> InventoryCsv::write(const std::string& path, const DataStore& store,
+                                               const UserCalendar& calendar) {
+    if (const auto error = PrivateFile::write(path, text(store, calendar))) {
+        return "The inventory could not be written to " + path + ": " + *error;
+    }
+    return std::nullopt;
 }
 
 } // namespace vorlane

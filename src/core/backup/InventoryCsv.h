@@ -3,6 +3,7 @@
 
 #include "util/Instant.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,6 +33,12 @@ public:
 
     // "Vorlane-Inventory-YYYY-MM-DD.csv", the day of `now` for the user.
     static std::string fileName(Instant now, const UserCalendar& calendar);
+
+    // `text` written to `path` owner-only and whole or not at all (PrivateFile): an inventory
+    // names every client's hosts and accounts. Nothing on success, else what the user reads:
+    // "The inventory could not be written to PATH: " and the reason.
+    static std::optional<std::string> write(const std::string& path, const DataStore& store,
+                                            const UserCalendar& calendar);
 };
 
 } // namespace vorlane
