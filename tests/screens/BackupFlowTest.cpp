@@ -2,6 +2,7 @@
 #include "screens/BackupFlow.h"
 
 #include "ScreenFixture.h"
+#include "TestKeyring.h"
 #include "backup/BackupFile.h"
 #include "backup/BackupPassword.h"
 #include "model/Organization.h"
@@ -199,6 +200,21 @@ TEST_F(BackupFlowTest, ACancelledOrFailedBackupWritesNothing) {
     flow->sealed(unsealed->run, std::string());
     EXPECT_EQ(flow->error(), std::string(BackupFlow::sealFailed));
     EXPECT_FALSE(std::filesystem::exists(cancelledPath));
+}
+
+// A locked keyring cannot be read: no backup without its secrets is made silently.
+TEST_F(BackupFlowTest, ALockedKeyringMakesNoBackup) {
+    addServiceWithPassword(addOrganization("Acme Corp"), "Mail server", "mail-pw");
+    auto flow = authenticatedFlow();
+    flow->useGeneratedPassword(goodPassword);
+    const std::string path = pathIn("locked.vorlanebackup");
+    lockDefaultCollection();
+    const std::optional<BackupFlow::Job> job = flow->start(path);
+    unlockDefaultCollection();
+    EXPECT_FALSE(job.has_value());
+    EXPECT_EQ(flow->step(), BackupFlow::Step::password);
+    EXPECT_EQ(flow->error(), std::string(BackupFlow::keyringUnreadable));
+    EXPECT_FALSE(std::filesystem::exists(path));
 }
 
 } // namespace

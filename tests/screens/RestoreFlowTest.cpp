@@ -2,6 +2,7 @@
 #include "screens/RestoreFlow.h"
 
 #include "ScreenFixture.h"
+#include "TestKeyring.h"
 #include "backup/BackupFile.h"
 #include "backup/BackupSnapshot.h"
 #include "model/Organization.h"
@@ -243,6 +244,30 @@ TEST_F(RestoreFlowTest, CancelLeavesTheVaultAndTheKeyringAsTheyWere) {
     for (const ServiceRecord* service : source->fetchAllServices(true)) {
         EXPECT_FALSE(source->getPassword(*service).has_value()) << service->title;
     }
+}
+
+// The keyring refusing half-way (the session locked it) ends the restore with its reason, and
+// the vault is as it was.
+TEST_F(RestoreFlowTest, AKeyringThatRefusesHalfWayChangesNothingAndSaysSo) {
+    const std::string path = pathIn("backup.vorlanebackup");
+    auto source = sourceBackedUpTo(path);
+    RestoreFlow flow(store(), m_calendar);
+    ASSERT_TRUE(flow.chooseFile(path));
+    open(flow, backupPassword);
+    ASSERT_EQ(flow.step(), RestoreFlow::Step::summary);
+    flow.startRestore();
+    ASSERT_TRUE(flow.restoreStep(1));
+    lockDefaultCollection();
+    while (flow.restoreStep(1)) {
+    }
+    unlockDefaultCollection();
+    ASSERT_EQ(flow.step(), RestoreFlow::Step::done);
+    EXPECT_FALSE(flow.restored());
+    const std::string result = flow.resultText();
+    EXPECT_EQ(result.rfind("The restore failed: ", 0), 0U) << result;
+    EXPECT_TRUE(result.ends_with(". Your vault and keyring are as they were.")) << result;
+    EXPECT_EQ(store().countServices(true), 0U);
+    EXPECT_TRUE(store().fetchOrganizations(true).empty());
 }
 
 } // namespace
