@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The expense and dashboard screen models rebuilt after a change, over vaults of 10,000 and
-// 100,000 services (the generator behind `vorlane-cli demo`): what the widget pays each time the
-// store says it changed. Vaults are generated once into the temp folder and reused.
+// The expense and dashboard screen models rebuilt after a change, and the chart of costs due that
+// both build, over vaults of 10,000 and 100,000 services (the generator behind `vorlane-cli
+// demo`): what the widget pays each time the store says it changed. Vaults are generated once
+// into the temp folder and reused.
 
 #include "BenchEnvironment.h"
+#include "screens/CostsDueChart.h"
 #include "screens/DashboardScreen.h"
 #include "screens/ExpenseScreen.h"
 
@@ -76,5 +78,18 @@ void dashboardScreenAfterChange(benchmark::State& state) {
     state.counters["expiring"] = static_cast<double>(screen.expiringThisMonth().size());
 }
 BENCHMARK(dashboardScreenAfterChange)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+// The chart of the next twelve months alone, which both screens above rebuild.
+void costsDueChart(benchmark::State& state) {
+    AppContext& context = sharedContext(state.range(0));
+    std::size_t bars = 0;
+    for (auto _ : state) {
+        const CostsDueChart chart(context.store, context.calendar);
+        bars = chart.bars().size();
+        benchmark::DoNotOptimize(bars);
+    }
+    state.counters["bars"] = static_cast<double>(bars);
+}
+BENCHMARK(costsDueChart)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -7,8 +7,13 @@ namespace vorlane {
 
 Decimal chargePerPeriod(const ServiceRecord& service) {
     const Decimal zero;
-    const bool hasMonthly = service.monthlyCost > zero;
-    const bool hasYearly = service.yearlyCost > zero;
+    // The sign and zero tests, not a comparison with zero: charts ask this of every service of
+    // a large vault on each rebuild, and a full comparison of two decimals costs many times more.
+    const auto isPositive = [](const Decimal& amount) {
+        return !amount.isZero() && !amount.isNegative();
+    };
+    const bool hasMonthly = isPositive(service.monthlyCost);
+    const bool hasYearly = isPositive(service.yearlyCost);
     const auto shareOfYear = [&](int months) {
         if (hasMonthly) {
             return service.monthlyCost * Decimal(months);
