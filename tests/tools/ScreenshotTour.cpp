@@ -24,6 +24,8 @@
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 #include "screens/BackupSheet.h"
+#include "screens/CostReportSheet.h"
+#include "screens/ExpenseView.h"
 #include "screens/ImportSheet.h"
 #include "screens/RestoreSheet.h"
 #include "screens/SettingsScreen.h"
@@ -336,6 +338,22 @@ void walkBackupAndRestore(MainWindow& window, DataStore& store, const UserCalend
     }
 }
 
+// The expense overview's Export Cost Report… sheet, with the client picker.
+void walkCostReport(MainWindow& window, AppState& state, const QString& folder) {
+    state.setSelectedSidebarItem(SidebarItem::allExpenses);
+    settle();
+    auto* view = window.findChild<ExpenseView*>();
+    if (view == nullptr) {
+        return;
+    }
+    view->costReportButton()->click();
+    settle();
+    if (CostReportSheet* sheet = view->costReportSheet()) {
+        save(sheet, folder, QStringLiteral("sheet-cost-report-expenses"));
+        sheet->reject();
+    }
+}
+
 } // namespace
 
 int main(int argc, char* argv[]) {
@@ -396,6 +414,8 @@ int main(int argc, char* argv[]) {
         state.setSelectedSidebarItem(item);
         save(&window, folder, QString::fromLatin1(name));
     }
+
+    walkCostReport(window, state, folder);
 
     state.setSearchQuery("host");
     save(&window, folder, QStringLiteral("search"));
