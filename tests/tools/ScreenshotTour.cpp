@@ -6,6 +6,7 @@
 //
 //   vorlane_screenshot_tour VAULT OUT_DIR [light|dark]
 
+#include "DesktopNotificationCenter.h"
 #include "LibsecretBackend.h"
 #include "MainWindow.h"
 #include "PamAuthenticator.h"
@@ -19,10 +20,13 @@
 #include "app/AppState.h"
 #include "app/ServiceActions.h"
 #include "auth/AuthManager.h"
+#include "backup/AutomaticBackup.h"
 #include "backup/BackupFile.h"
 #include "backup/BackupSnapshot.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
+#include "screens/BackupPasswordSheet.h"
+#include "screens/BackupSettingsSection.h"
 #include "screens/BackupSheet.h"
 #include "screens/CostReportSheet.h"
 #include "screens/ExpenseView.h"
@@ -354,6 +358,26 @@ void walkCostReport(MainWindow& window, AppState& state, const QString& folder) 
     }
 }
 
+// Settings → Backups → the password sheet, with two typings that differ.
+void walkBackupPassword(QDialog* settings, const QString& folder) {
+    auto* section = settings->findChild<BackupSettingsSection*>();
+    if (section == nullptr) {
+        return;
+    }
+    section->passwordButton()->click();
+    settle();
+    auto* sheet = settings->findChild<BackupPasswordSheet*>();
+    if (sheet == nullptr) {
+        return;
+    }
+    save(sheet, folder, QStringLiteral("sheet-settings-backup-password"));
+    sheet->passwordField()->setText(QStringLiteral("lantern-orchard-tuesday"));
+    sheet->repeatField()->setText(QStringLiteral("lantern-orchard"));
+    QTest::keyClick(sheet->repeatField(), Qt::Key_Return);
+    save(sheet, folder, QStringLiteral("sheet-settings-backup-password-refused"));
+    sheet->reject();
+}
+
 } // namespace
 
 int main(int argc, char* argv[]) {
@@ -396,6 +420,12 @@ int main(int argc, char* argv[]) {
     const ServiceActions actions(store, state, calendar);
     AppContext context{store,    state,     AuthManager::shared(), calendar,
                        mainLoop, clipboard, preferences,           actions};
+    // Settings → Backups as OUT_DIR/preferences.ini sets it up; nothing is backed up (no
+    // scheduler).
+    DesktopNotificationCenter notifications(folder + QStringLiteral("/tour.reminders"),
+                                            QDBusConnection::sessionBus(), clock);
+    AutomaticBackup backups(store, preferences, calendar, mainLoop, notifications);
+    context.backups = &backups;
 
     MainWindow window(context);
     window.show();
@@ -479,6 +509,7 @@ int main(int argc, char* argv[]) {
                 save(dialog, folder,
                      QStringLiteral("sheet-settings-%1").arg(tabs->tabText(tab).toLower()));
             }
+            walkBackupPassword(dialog, folder);
         }
         dialog->reject();
     }

@@ -34,6 +34,8 @@ BackupPasswordSheet::BackupPasswordSheet(BackupSettingsScreen& screen, QWidget* 
 
     auto* form = new QFormLayout;
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    // The frame's content runs edge to edge; the fields line up with the title above them.
+    form->setContentsMargins(20, 12, 20, 8);
     for (QLineEdit* field : {m_password, m_repeat}) {
         field->setEchoMode(QLineEdit::Password);
     }
