@@ -8,11 +8,13 @@
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 #include "screens/RestoreSheet.h"
+#include "store/DemoVault.h"
 
 #include <QLineEdit>
 #include <QProgressBar>
 
 #include <filesystem>
+#include <map>
 
 namespace vorlane::testing {
 namespace {
@@ -189,6 +191,55 @@ TEST_F(BackupSheetTest, ARefusedAuthenticationAndAWrongFileAreSaidWhereTheyHappe
     EXPECT_EQ(restore.flow().step(), RestoreFlow::Step::chooseFile);
     EXPECT_EQ(labelText(restore, QStringLiteral("Error")),
               QStringLiteral("This file is not a Vorlane backup."));
+}
+
+// As on a reinstalled machine: a demo vault of 300 services backed up from the window, the vault
+// and its keyring items deleted, and restored from the window; every service has its password
+// and API key again, under the same identity.
+TEST_F(BackupSheetTest, ADemoVaultOfThreeHundredServicesComesBackWithEverySecret) {
+    DemoVault::populate(store(), m_clock.now(), {.services = 300, .withSecrets = true});
+    std::map<Uuid, std::pair<std::optional<std::string>, std::optional<std::string>>> secrets;
+    for (const ServiceRecord* service : store().fetchAllServices(true)) {
+        secrets[service->id] = {store().getPassword(*service), store().getAPIKey(*service)};
+    }
+    ASSERT_EQ(secrets.size(), 300U);
+    const std::string path = pathIn("demo.vorlanebackup");
+    {
+        BackupSheet sheet(context());
+        sheet.setFileChooser(
+            [&path](const QString&) { return std::optional(QString::fromStdString(path)); });
+        authenticate(sheet);
+        typeBothPasswords(sheet);
+        press(sheet, Qt::Key_Return);
+        ASSERT_TRUE(waitFor([&] { return sheet.flow().step() == BackupFlow::Step::done; }, 60000));
+        EXPECT_TRUE(labelText(sheet, QStringLiteral("Summary"))
+                        .contains(QStringLiteral(" and 300 services with ")));
+    }
+    for (Organization* organization : store().fetchOrganizations(true)) {
+        store().deleteOrganization(*organization);
+    }
+    ASSERT_EQ(store().countServices(true), 0U);
+
+    RestoreSheet sheet(context());
+    sheet.show();
+    sheet.chooseFile(QString::fromStdString(path));
+    type(sheet, QString::fromLatin1(backupPassword));
+    press(sheet, Qt::Key_Return);
+    ASSERT_TRUE(waitFor([&] { return sheet.flow().step() == RestoreFlow::Step::summary; }));
+    press(sheet, Qt::Key_Return);
+    ASSERT_TRUE(waitFor([&] { return sheet.flow().step() == RestoreFlow::Step::done; }, 60000));
+    EXPECT_TRUE(sheet.flow().restored()) << sheet.flow().resultText();
+    const std::vector<ServiceRecord*> restored = store().fetchAllServices(true);
+    ASSERT_EQ(restored.size(), 300U);
+    std::size_t withPassword = 0;
+    for (const ServiceRecord* service : restored) {
+        const auto found = secrets.find(service->id);
+        ASSERT_NE(found, secrets.end()) << service->title;
+        EXPECT_EQ(store().getPassword(*service), found->second.first) << service->title;
+        EXPECT_EQ(store().getAPIKey(*service), found->second.second) << service->title;
+        withPassword += found->second.first.has_value() ? 1 : 0;
+    }
+    EXPECT_GT(withPassword, 200U) << "the demo gives most services a password";
 }
 
 } // namespace
