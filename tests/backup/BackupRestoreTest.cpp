@@ -269,7 +269,7 @@ TEST_F(BackupRestoreTest, AFailedSaveLeavesVaultAndKeyringAsTheyWereAndARetrySuc
         }
         ASSERT_TRUE(run.finished());
         ASSERT_TRUE(run.error().has_value());
-        EXPECT_EQ(run.error()->rfind("The vault could not be saved: ", 0), 0u) << *run.error();
+        EXPECT_EQ(run.error()->rfind("The vault could not be saved (", 0), 0u) << *run.error();
         EXPECT_NE(run.error()->find("Nothing was restored."), std::string::npos);
         EXPECT_EQ(run.done(), 6u) << "every secret was written before the save";
     }

@@ -130,13 +130,17 @@ Plan makePlan(const DataStore& store, const BackupContents& contents) {
 } // namespace
 
 struct BackupRestore::State {
+    State(DataStore& target, BackupContents backup)
+        : store(target)
+        , contents(std::move(backup)) {}
+
     DataStore& store;
     BackupContents contents;
     Plan plan;
     // The values the accounts about to be written had before, read on the first step; an
     // account without an earlier item is absent.
     std::optional<std::unordered_map<std::string, SecretBytes>> earlier;
-    // Accounts [0, touched) may have changed in the secret store: `done` of them were written,
+    // Accounts [0, touched) may have changed in the secret store: `written` of them were written,
     // and a failed write may have removed the earlier item before it failed.
     std::size_t touched = 0;
     std::size_t written = 0;
@@ -195,8 +199,7 @@ struct BackupRestore::State {
 };
 
 BackupRestore::BackupRestore(DataStore& store, BackupContents contents)
-    : m_state(
-          std::make_unique<State>(State{store, std::move(contents), {}, {}, 0, 0, false, {}, {}})) {
+    : m_state(std::make_unique<State>(store, std::move(contents))) {
     m_state->plan = makePlan(store, m_state->contents);
 }
 
@@ -242,7 +245,7 @@ bool BackupRestore::step(std::size_t count) {
     // Every secret is in place: the records follow in one save, so that a record never names a
     // secret that is not there.
     if (const auto failed = state.store.saveBatch(state.batch())) {
-        state.fail("The vault could not be saved: " + *failed + " Nothing was restored.");
+        state.fail("The vault could not be saved (" + *failed + "). Nothing was restored.");
         return false;
     }
     state.summary = state.plan.summary;
