@@ -94,6 +94,7 @@ TEST_F(BackupCliTest, BackedUpVerifiedAndRestoredIntoANewVaultAndAnEmptiedKeyrin
               std::string::npos)
         << shown;
     EXPECT_EQ(shown.find(systemPassword), std::string::npos) << "the password was echoed";
+    EXPECT_NE(shown.find("Encrypting the backup"), std::string::npos) << "no progress shown";
     struct stat info {};
     ASSERT_EQ(::stat(m_backup.c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 0777, 0600u);
@@ -120,11 +121,19 @@ TEST_F(BackupCliTest, BackedUpVerifiedAndRestoredIntoANewVaultAndAnEmptiedKeyrin
     }
     const std::string restoredPath = m_folder + "/new/vault.sqlite";
     std::filesystem::create_directory(m_folder + "/new");
-    const CommandRun restored =
-        cli("--vault " + shellWord(restoredPath) + " restore " + withPasswordFile());
-    ASSERT_EQ(restored.status, 0) << restored.err;
-    EXPECT_EQ(restored.out, "Added 4 records, updated 0 and left 0 as they were; wrote 3 secrets "
-                            "to the keyring.\n");
+    // On a terminal, with the progress there; no system password is asked.
+    const auto [restoredStatus, restored] = onTerminal(
+        VORLANE_CLI,
+        {"--vault", restoredPath, "restore", m_backup, "--password-file", m_passwordFile},
+        std::string());
+    ASSERT_EQ(restoredStatus, 0) << restored;
+    EXPECT_NE(restored.find("Writing secrets to the keyring: 3 of 3"), std::string::npos)
+        << restored;
+    EXPECT_NE(restored.find("Added 4 records, updated 0 and left 0 as they were; wrote 3 secrets "
+                            "to the keyring."),
+              std::string::npos)
+        << restored;
+    EXPECT_EQ(restored.find("Password: "), std::string::npos) << restored;
 
     auto reopened = DataStore::open(restoredPath, m_keychain, m_calendar, m_timers);
     ASSERT_TRUE(reopened.ok()) << reopened.error();
