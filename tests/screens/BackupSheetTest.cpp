@@ -5,6 +5,8 @@
 
 #include "ScreenFixture.h"
 #include "WidgetLookup.h"
+#include "backup/BackupFile.h"
+#include "backup/BackupSnapshot.h"
 #include "model/Organization.h"
 #include "model/ServiceRecord.h"
 #include "screens/RestoreSheet.h"
@@ -240,6 +242,39 @@ TEST_F(BackupSheetTest, ADemoVaultOfThreeHundredServicesComesBackWithEverySecret
         withPassword += found->second.first.has_value() ? 1 : 0;
     }
     EXPECT_GT(withPassword, 200U) << "the demo gives most services a password";
+}
+
+// Escape while the restore runs stops it before the vault changes and says so; the next Escape
+// closes the sheet.
+TEST_F(BackupSheetTest, EscapeDuringTheRestoreLeavesTheVaultAsItWas) {
+    Organization& acme = addOrganization("Acme Corp");
+    addWithPassword(acme, "Mail server", "mail-pw");
+    const std::string path = pathIn("escape.vorlanebackup");
+    const std::optional<BackupContents> contents = BackupSnapshot::take(store(), m_clock.now());
+    ASSERT_TRUE(contents.has_value());
+    ASSERT_FALSE(BackupFile::write(path, *contents, backupPassword,
+                                   {.memoryKiB = 64, .passes = 1, .lanes = 1}));
+    store().deleteOrganization(acme);
+
+    RestoreSheet sheet(context());
+    sheet.show();
+    sheet.chooseFile(QString::fromStdString(path));
+    type(sheet, QString::fromLatin1(backupPassword));
+    press(sheet, Qt::Key_Return);
+    ASSERT_TRUE(waitFor([&] { return sheet.flow().step() == RestoreFlow::Step::summary; }));
+    press(sheet, Qt::Key_Return);
+    ASSERT_EQ(sheet.flow().step(), RestoreFlow::Step::restoring);
+    QTest::keyClick(&sheet, Qt::Key_Escape);
+    EXPECT_EQ(sheet.flow().step(), RestoreFlow::Step::done);
+    EXPECT_TRUE(sheet.isVisible());
+    EXPECT_EQ(
+        labelText(sheet, QStringLiteral("Result")),
+        QStringLiteral("The restore was cancelled. Your vault and keyring are as they were."));
+    QTest::qWait(50); // no turn of the loop restores anything more
+    EXPECT_EQ(store().countServices(true), 0U);
+    QTest::keyClick(&sheet, Qt::Key_Escape);
+    EXPECT_FALSE(sheet.isVisible());
+    EXPECT_EQ(sheet.result(), QDialog::Rejected);
 }
 
 } // namespace
