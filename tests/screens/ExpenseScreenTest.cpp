@@ -239,7 +239,7 @@ TEST_F(ExpenseScreenTest, CostsDueByMonthAreTheDashboardsChartAndFollowTheClock)
     };
     dueOn(paid(acme, "Domain", "0", "15", BillingCycle::annual), utc(2026, 3, 15, 12));
     // 08:00 on 1 April in New York: April's first charge, then one every month.
-    dueOn(paid(acme, "VPS", "10"), utc(2026, 4, 1, 12));
+    ServiceRecord& vps = dueOn(paid(acme, "VPS", "10"), utc(2026, 4, 1, 12));
     paid(acme, "No date", "20"); // in the cards, but never due
     archiveFlag(dueOn(paid(acme, "Archived", "50"), utc(2026, 3, 20, 12)));
 
@@ -259,6 +259,14 @@ TEST_F(ExpenseScreenTest, CostsDueByMonthAreTheDashboardsChartAndFollowTheClock)
 
     screen.setGroupBy(GroupBy::type);
     EXPECT_EQ(barTexts(screen.costsDue()), expected);
+
+    // An edited amount is what the next rebuild charges.
+    vps.monthlyCost = money("12.5");
+    store().noteChanged(vps);
+    screen.reload();
+    EXPECT_EQ(screen.costsDue().bars()[1].valueText, "$12.5");
+    vps.monthlyCost = money("10");
+    store().noteChanged(vps);
 
     // A month on, the domain's renewal in March has lapsed unrenewed: March 2027 holds only the
     // VPS, not a year's domain as well.

@@ -2,7 +2,6 @@
 #include "screens/CostsDueChart.h"
 
 #include "model/ServiceRecord.h"
-#include "money/ChargePerPeriod.h"
 #include "store/DataStore.h"
 #include "util/CurrencyFormat.h"
 #include "util/UserCalendar.h"
@@ -77,7 +76,7 @@ CostsDueChart::CostsDueChart(const DataStore& store, const UserCalendar& calenda
     // as long as the window means the charge falls in it once.
     std::map<std::pair<int, int>, Decimal> byMonthAndStep;
     for (const ServiceRecord* service : store.fetchExpiringBetween(starts.front(), starts.back())) {
-        const Decimal charge = chargePerPeriod(*service);
+        const Decimal charge = store.chargePerPeriod(*service);
         if (charge.isZero() || charge.isNegative()) {
             continue;
         }

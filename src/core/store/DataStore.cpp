@@ -426,6 +426,10 @@ Decimal DataStore::effectiveMonthlyCost(const ServiceRecord& service) const {
     return m_context.effectiveMonthlyCost(service);
 }
 
+Decimal DataStore::chargePerPeriod(const ServiceRecord& service) const {
+    return m_context.chargePerPeriod(service);
+}
+
 Decimal DataStore::yearlyCost(const Organization& organization) const {
     return m_context.yearlyCost(organization);
 }

@@ -145,6 +145,8 @@ public:
     Decimal yearlyCost(const Organization& organization) const;
     // `service.effectiveMonthlyCost()`, kept until the service changes.
     Decimal effectiveMonthlyCost(const ServiceRecord& service) const;
+    // `vorlane::chargePerPeriod(service)`, kept until the service changes.
+    Decimal chargePerPeriod(const ServiceRecord& service) const;
 
     // -- Secrets, under the identifiers the record holds. Reads give nothing when there is no
     // item or it is not UTF-8 text. Setting an empty text deletes the item; setting a text on a

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "store/VaultContext.h"
 
+#include "money/ChargePerPeriod.h"
 #include "store/LocalizedOrder.h"
 #include "store/SearchText.h"
 #include "util/HugePages.h"
@@ -514,6 +515,19 @@ Decimal VaultContext::effectiveMonthlyCost(const ServiceRecord& service) const {
     return m_effectiveCosts[slot];
 }
 
+Decimal VaultContext::chargePerPeriod(const ServiceRecord& service) const {
+    const std::uint32_t slot = slotOf(service);
+    ServiceIndex& entry = m_serviceIndex[slot];
+    if (!entry.chargeKept) {
+        if (m_charges.size() <= slot) {
+            m_charges.resize(m_services.slotCount());
+        }
+        m_charges[slot] = vorlane::chargePerPeriod(service);
+        entry.chargeKept = true;
+    }
+    return m_charges[slot];
+}
+
 const Decimal& VaultContext::yearlyCost(const Organization& organization) const {
     monthlyCost(organization);
     return entryOf(organization).yearlyCost;
@@ -542,6 +556,7 @@ void VaultContext::index(std::uint32_t slot) {
     const ServiceRecord& service = m_services[slot];
     ServiceIndex& entry = m_serviceIndex[slot];
     entry.effectiveCostKept = false;
+    entry.chargeKept = false;
     setSearchText(slot);
     entry.owner = service.organization;
     entry.archived = service.isArchived;

@@ -142,6 +142,10 @@ public:
     // spread over its cycle is an exact decimal division (about a microsecond), which the totals
     // and the screens that list costs would otherwise repeat for every service on every rebuild.
     Decimal effectiveMonthlyCost(const ServiceRecord& service) const;
+    // `chargePerPeriod(service)`, kept until the service changes, for the same reason: the
+    // charts of costs due ask it of every dated service on each rebuild, and reading the amounts
+    // from a hundred thousand records scattered in memory costs more than the sums.
+    Decimal chargePerPeriod(const ServiceRecord& service) const;
 
 private:
     struct OrganizationEntry;
@@ -168,6 +172,7 @@ private:
         bool countedActive = false;
         bool countedUnarchived = false;
         bool effectiveCostKept = false; // m_effectiveCosts holds its effective monthly cost
+        bool chargeKept = false;        // m_charges holds its charge per period
     };
     // Comparisons of slots for m_titleOrder and m_expirationOrder: ties in insertion order.
     struct TitleLess {
@@ -237,6 +242,7 @@ private:
     std::size_t m_unarchivedServiceCount = 0;
     // By slot, grown when first asked for (a command that never totals costs never pays for it).
     mutable std::vector<Decimal> m_effectiveCosts;
+    mutable std::vector<Decimal> m_charges;
 
     std::unordered_set<const Organization*> m_pendingOrganizations;
     std::unordered_set<const ServiceRecord*> m_pendingServices;
