@@ -11,6 +11,8 @@
 #include "util/Timers.h"
 #include "util/UserCalendar.h"
 
+#include <openssl/crypto.h>
+
 #include <filesystem>
 #include <utility>
 
@@ -64,7 +66,10 @@ bool AutomaticBackup::hasPassword() const {
 }
 
 bool AutomaticBackup::setPassword(std::string_view password) {
-    if (!m_store.keychain().save(SecretBytes(password.begin(), password.end()), passwordAccount)) {
+    SecretBytes bytes(password.begin(), password.end());
+    const bool saved = m_store.keychain().save(bytes, passwordAccount);
+    OPENSSL_cleanse(bytes.data(), bytes.size());
+    if (!saved) {
         return false;
     }
     m_preferences.setBoolValue(hasPasswordKey, true);
@@ -110,7 +115,7 @@ void AutomaticBackup::start(Trigger trigger) {
         finish(attempt, std::string(noFolder));
         return;
     }
-    const std::optional<SecretBytes> password = m_store.keychain().readData(passwordAccount);
+    std::optional<SecretBytes> password = m_store.keychain().readData(passwordAccount);
     if (!password) {
         finish(attempt, std::string(passwordUnreadable));
         return;
@@ -127,10 +132,17 @@ void AutomaticBackup::start(Trigger trigger) {
     if (m_writer.joinable()) {
         m_writer.join(); // the last one has posted its result already
     }
+    std::string passwordText(password->begin(), password->end());
+    OPENSSL_cleanse(password->data(), password->size());
     m_writer = std::thread([this, attempt, path, contents = std::move(*contents),
-                            password = std::string(password->begin(), password->end()),
+                            password = std::move(passwordText),
                             alive = std::weak_ptr<int>(m_alive)]() mutable {
         std::optional<std::string> error = BackupFile::write(path, contents, password);
+        // The vault's secrets and the password stay in this process only as long as needed.
+        OPENSSL_cleanse(password.data(), password.size());
+        for (auto& secret : contents.secrets) {
+            OPENSSL_cleanse(secret.second.data(), secret.second.size());
+        }
         m_timers.post([this, alive, attempt, error = std::move(error)]() mutable {
             if (alive.lock()) {
                 finish(attempt, std::move(error));
