@@ -1,0 +1,238 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Backing up and restoring a vault of 10,000 and 100,000 services, each with its password in the
+// keyring: the snapshot (records and one batched read of every secret) sealed into a backup
+// file, and the restore of those contents into a fresh vault with every secret written back.
+// The key derivation is left out (a cheap Argon2id cost): it costs the same whatever the vault
+// holds, and CryptoBench's figures cover it.
+//
+// Run under tests/support/run-with-keyring.sh, which gives the process a keyring of its own. Its
+// default collection is switched to GNOME Keyring's in-memory session collection: the login
+// collection writes its whole file again for every item, which would make filling 100,000
+// items take days and measure the disk rather than this program.
+
+#include "LibsecretBackend.h"
+#include "ManualClock.h"
+#include "ManualTimers.h"
+#include "backup/BackupFile.h"
+#include "backup/BackupRestore.h"
+#include "backup/BackupSnapshot.h"
+#include "secrets/KeychainManager.h"
+#include "store/DataStore.h"
+#include "store/DemoVault.h"
+#include "util/UserCalendar.h"
+
+#include <benchmark/benchmark.h>
+#include <libsecret/secret.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace {
+
+using namespace vorlane;
+
+const BackupKdfParameters cheapKdf{64, 1, 1};
+constexpr std::string_view password = "bench backup password";
+
+[[noreturn]] void fail(const std::string& why) {
+    std::fprintf(stderr, "backup bench: %s\n", why.c_str());
+    std::abort();
+}
+
+// Points the default alias at the session collection, on the private keyring only.
+void useSessionCollection() {
+    if (std::getenv("VORLANE_TEST_KEYRING_PASSWORD") == nullptr) {
+        fail("run it through tests/support/run-with-keyring.sh, never on your own keyring");
+    }
+    GError* error = nullptr;
+    SecretService* service = secret_service_get_sync(SECRET_SERVICE_NONE, nullptr, &error);
+    SecretCollection* session =
+        service ? secret_collection_for_alias_sync(service, "session", SECRET_COLLECTION_NONE,
+                                                   nullptr, &error)
+                : nullptr;
+    if (!session || !secret_service_set_alias_sync(service, "default", session, nullptr, &error)) {
+        fail(std::string("cannot use the session collection: ") +
+             (error ? error->message : "not there"));
+    }
+    g_object_unref(session);
+    g_object_unref(service);
+}
+
+// One vault file in a temp folder, opened on the benchmark's keyring; removed when done.
+struct Vault {
+    Vault() {
+        char pattern[] = "/tmp/vorlane-backup-bench-XXXXXX";
+        folder = ::mkdtemp(pattern);
+        auto opened = DataStore::open(folder + "/vault.sqlite", keychain, calendar, timers);
+        if (!opened) {
+            fail(opened.error());
+        }
+        store = std::move(opened).value();
+    }
+    ~Vault() {
+        store.reset();
+        std::filesystem::remove_all(folder);
+    }
+    Vault(const Vault&) = delete;
+    Vault& operator=(const Vault&) = delete;
+
+    std::string folder;
+    // Autosave never fires: the runs save themselves.
+    testing::ManualClock clock{Instant(std::chrono::hours(24 * 20000))};
+    testing::ManualTimers timers{clock};
+    UserCalendar calendar{clock, "UTC"};
+    LibsecretBackend backend;
+    KeychainManager keychain{backend};
+    std::unique_ptr<DataStore> store;
+};
+
+// What other programs see of an item of ours: the adapter's schema, written out here to plant
+// items without the adapter's replace-by-account search (which makes filling a large keyring
+// quadratic).
+const SecretSchema vaultSchema = {"com.vorlane.vault",
+                                  SECRET_SCHEMA_NONE,
+                                  {
+                                      {"service", SECRET_SCHEMA_ATTRIBUTE_STRING},
+                                      {"account", SECRET_SCHEMA_ATTRIBUTE_STRING},
+                                      {nullptr, SECRET_SCHEMA_ATTRIBUTE_STRING},
+                                  },
+                                  0,
+                                  nullptr,
+                                  nullptr,
+                                  nullptr,
+                                  nullptr,
+                                  nullptr,
+                                  nullptr,
+                                  nullptr};
+
+void plant(SecretCollection* collection, const std::string& account, const std::string& text) {
+    GHashTable* attributes = g_hash_table_new(g_str_hash, g_str_equal);
+    g_hash_table_insert(attributes, const_cast<char*>("service"),
+                        const_cast<char*>(KeychainManager::serviceName.data()));
+    g_hash_table_insert(attributes, const_cast<char*>("account"),
+                        const_cast<char*>(account.c_str()));
+    SecretValue* value = secret_value_new(text.c_str(), static_cast<gssize>(text.size()),
+                                          "application/octet-stream");
+    GError* error = nullptr;
+    SecretItem* item =
+        secret_item_create_sync(collection, &vaultSchema, attributes, account.c_str(), value,
+                                SECRET_ITEM_CREATE_NONE, nullptr, &error);
+    secret_value_unref(value);
+    g_hash_table_unref(attributes);
+    if (!item) {
+        fail(std::string("cannot plant a secret: ") + (error ? error->message : "?"));
+    }
+    g_object_unref(item);
+}
+
+// The generator's vault of `services` services, the first `secrets` of them (in title order)
+// with a password in the keyring; made once per size and kept for every benchmark of that size.
+Vault& sourceVault(int services, int secrets) {
+    static std::map<std::pair<int, int>, std::unique_ptr<Vault>> vaults;
+    std::unique_ptr<Vault>& vault = vaults[{services, secrets}];
+    if (!vault) {
+        useSessionCollection();
+        vault = std::make_unique<Vault>();
+        DemoVault::Options options;
+        options.services = services;
+        DemoVault::populate(*vault->store, vault->clock.now(), options);
+        GError* error = nullptr;
+        SecretService* secretService =
+            secret_service_get_sync(SECRET_SERVICE_NONE, nullptr, &error);
+        SecretCollection* collection =
+            secretService
+                ? secret_collection_for_alias_sync(secretService, SECRET_COLLECTION_DEFAULT,
+                                                   SECRET_COLLECTION_NONE, nullptr, &error)
+                : nullptr;
+        if (!collection) {
+            fail("no default collection");
+        }
+        int n = 0;
+        for (ServiceRecord* service : vault->store->fetchAllServices(true)) {
+            if (n == secrets) {
+                break;
+            }
+            service->secretKeychainID = ServiceRecord::makeSecretKeychainID();
+            plant(collection, service->secretKeychainID, "pw-" + std::to_string(++n) + "-Xq!v7");
+            vault->store->noteChanged(*service);
+        }
+        g_object_unref(collection);
+        g_object_unref(secretService);
+        if (!vault->store->save()) {
+            fail("cannot save the source vault");
+        }
+    }
+    return *vault;
+}
+
+BackupContents snapshot(Vault& vault) {
+    auto contents = BackupSnapshot::take(*vault.store, vault.clock.now());
+    if (!contents) {
+        fail("the keyring could not be read");
+    }
+    return std::move(*contents);
+}
+
+void BM_Backup(benchmark::State& state) {
+    Vault& vault = sourceVault(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+    std::size_t bytes = 0;
+    std::size_t secrets = 0;
+    for (auto _ : state) {
+        const BackupContents contents = snapshot(vault);
+        const std::string file = BackupFile::seal(contents, password, cheapKdf);
+        bytes = file.size();
+        secrets = contents.secrets.size();
+        benchmark::DoNotOptimize(file.data());
+    }
+    state.counters["secrets"] = static_cast<double>(secrets);
+    state.counters["fileMB"] = static_cast<double>(bytes) / 1e6;
+}
+BENCHMARK(BM_Backup)
+    ->Args({10000, 10000})
+    ->Args({100000, 10000})
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+
+// The restore alone, as on a new machine: a fresh vault and none of the secrets in the keyring.
+// The backup is opened before the clock starts.
+void BM_Restore(benchmark::State& state) {
+    Vault& source = sourceVault(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+    const std::string file = BackupFile::seal(snapshot(source), password, cheapKdf);
+    std::size_t written = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto opened = BackupFile::open(file, password);
+        if (!opened) {
+            fail(opened.error());
+        }
+        for (const auto& [account, secret] : opened.value().secrets) {
+            source.keychain.remove(account);
+        }
+        auto target = std::make_unique<Vault>();
+        state.ResumeTiming();
+        BackupRestore run(*target->store, std::move(opened).value());
+        while (run.step(200)) {
+        }
+        if (run.error()) {
+            fail(*run.error());
+        }
+        written = run.summary().secretsWritten;
+        state.PauseTiming();
+        target.reset();
+        state.ResumeTiming();
+    }
+    state.counters["secrets"] = static_cast<double>(written);
+}
+BENCHMARK(BM_Restore)
+    ->Args({1000, 1000})
+    ->Args({10000, 0})
+    ->Args({100000, 0})
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+
+} // namespace
