@@ -301,5 +301,41 @@ TEST_F(BackupCliTest, ASecretMissingFromTheKeyringIsNamedAndVerifyFails) {
         << verified.out;
 }
 
+TEST_F(BackupCliTest, CtrlCDuringARestoreLeavesTheVaultAndTheKeyringAsTheyWere) {
+    // Enough secrets that the restore is still writing when the interrupt comes.
+    Organization& client = addOrganization("Acme");
+    std::vector<std::string> accounts;
+    for (int i = 0; i < 80; ++i) {
+        ServiceRecord& service = addService(client, "Service " + std::to_string(i));
+        change(service, [](ServiceRecord& s) {
+            s.secretKeychainID = ServiceRecord::makeSecretKeychainID();
+        });
+        ASSERT_TRUE(m_store->setPassword("password " + std::to_string(i), service));
+        accounts.push_back(service.secretKeychainID);
+    }
+    ASSERT_TRUE(m_store->save());
+    ASSERT_EQ(backupOnTerminal({m_backup, "--password-file", m_passwordFile}).first, 0);
+    for (const std::string& account : accounts) {
+        ASSERT_TRUE(m_keychain.remove(account));
+    }
+
+    const std::string restoredPath = m_folder + "/restored.sqlite";
+    const auto [status, shown] = onTerminal(
+        VORLANE_CLI,
+        {"--vault", restoredPath, "restore", m_backup, "--password-file", m_passwordFile},
+        {{"Writing secrets to the keyring: ", "\x03"}}); // Ctrl+C
+    EXPECT_EQ(status, 130) << shown;
+    EXPECT_NE(shown.find("Cancelled. The vault and the keyring are as they were."),
+              std::string::npos)
+        << shown;
+    for (const std::string& account : accounts) {
+        EXPECT_EQ(m_keychain.readData(account), std::nullopt) << account << " was left behind";
+    }
+    auto restored = DataStore::open(restoredPath, m_keychain, m_calendar, m_timers);
+    ASSERT_TRUE(restored.ok()) << restored.error();
+    EXPECT_EQ(restored.value()->countServices(true), 0u);
+    EXPECT_TRUE(restored.value()->fetchOrganizations(true).empty());
+}
+
 } // namespace
 } // namespace vorlane::testing
