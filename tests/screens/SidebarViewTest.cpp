@@ -9,8 +9,11 @@
 #include "model/ServiceRecord.h"
 
 #include <QAbstractItemModel>
+#include <QImage>
 #include <QListView>
 #include <QToolButton>
+
+#include <cstdlib>
 
 namespace vorlane::testing {
 namespace {
@@ -82,6 +85,47 @@ TEST_F(SidebarViewTest, TheKeyboardChoosesDestinationsAndOpensOrganizations) {
     footer.setFocus();
     QTest::keyClick(&footer, Qt::Key_Space);
     EXPECT_TRUE(m_state.showingNewOrganization());
+}
+
+// A tinted count on the chosen row is drawn in the selection's text colour, as the title is: an
+// orange count mixed into the blue selection could hardly be read, in either palette.
+TEST_F(SidebarViewTest, TheChosenRowsCountIsWrittenInTheSelectionsTextColour) {
+    m_state.setPasswordHealthFindings(8);
+    m_state.setSelectedSidebarItem(SidebarItem::passwordHealth);
+    SidebarView sidebar(context());
+    sidebar.resize(240, 600);
+    sidebar.show();
+    QListView& list = *sidebar.list();
+    const int health = rowTitled(list, QStringLiteral("Password Health"));
+    ASSERT_GE(health, 0);
+    ASSERT_TRUE(list.selectionModel()->isSelected(list.model()->index(health, 0)));
+
+    QPalette dark = list.palette();
+    dark.setColor(QPalette::Base, QColor(0x1e, 0x1e, 0x20));
+    dark.setColor(QPalette::Text, QColor(0xe8, 0xe8, 0xea));
+    dark.setColor(QPalette::Highlight, QColor(0x3d, 0x7a, 0xed));
+    dark.setColor(QPalette::HighlightedText, Qt::white);
+    for (const QPalette& palette : {list.palette(), dark}) {
+        list.setPalette(palette);
+        const QImage image = list.viewport()->grab().toImage();
+        const QRect row = list.visualRect(list.model()->index(health, 0));
+        // The badge sits at the row's right end.
+        const QRect badge(row.right() - 48, row.top(), 48, row.height());
+        const QColor ink = palette.color(QPalette::HighlightedText);
+        int inked = 0;
+        int orange = 0;
+        for (int y = badge.top(); y <= badge.bottom(); ++y) {
+            for (int x = badge.left(); x <= badge.right(); ++x) {
+                const QColor pixel = image.pixelColor(x, y);
+                inked += std::abs(pixel.red() - ink.red()) + std::abs(pixel.green() - ink.green()) +
+                             std::abs(pixel.blue() - ink.blue()) <
+                         60;
+                orange += pixel.red() - pixel.blue() > 60;
+            }
+        }
+        EXPECT_GT(inked, 4) << "the count's strokes are in the selection's text colour";
+        EXPECT_EQ(orange, 0) << "no trace of the orange tint on the selection";
+    }
 }
 
 } // namespace

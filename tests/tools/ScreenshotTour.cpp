@@ -31,6 +31,7 @@
 #include "screens/CostReportSheet.h"
 #include "screens/ExpenseView.h"
 #include "screens/ImportSheet.h"
+#include "screens/PasswordHealthView.h"
 #include "screens/RestoreSheet.h"
 #include "screens/SettingsScreen.h"
 #include "secrets/KeychainManager.h"
@@ -312,24 +313,61 @@ void walkRestore(MainWindow& window, const QString& folder, const QString& backu
     sheet->reject();
 }
 
-// Both sheets, the back-up one first. Under pam_wrapper (see the README) a person stand-in
-// types the system password, so that the back-up sheet goes past its first step; otherwise the
-// backup the restore sheet opens is written directly.
+// Under pam_wrapper (see the README) a person stand-in who types the system password once, for
+// as long as this lives; otherwise nobody answers and what asks is refused.
+class TourPerson {
+public:
+    TourPerson() {
+        if (testing::PamPasswords::wrapped()) {
+            m_authenticator = std::make_unique<PamAuthenticator>(
+                m_authLoop, m_person.factory(),
+                FprintdProbe(QDBusConnection(QStringLiteral("no-bus"))));
+            m_passwords.set(m_authenticator->userName(), "tour password");
+            m_person.willType("tour password");
+            AuthManager::shared().connectPlatform(*m_authenticator, m_authLoop);
+        }
+    }
+    ~TourPerson() { AuthManager::shared().disconnectPlatform(); }
+    TourPerson(const TourPerson&) = delete;
+    TourPerson& operator=(const TourPerson&) = delete;
+
+private:
+    testing::ScriptedPerson m_person;
+    testing::PamPasswords m_passwords;
+    QtTimers m_authLoop;
+    std::unique_ptr<PamAuthenticator> m_authenticator;
+};
+
+// The Password Health view's report, once the person stand-in has authenticated the check.
+void walkPasswordHealth(MainWindow& window, AppState& state, const QString& folder) {
+    state.setSelectedSidebarItem(SidebarItem::passwordHealth);
+    settle();
+    auto* view = window.findChild<PasswordHealthView*>();
+    QPushButton* check =
+        view != nullptr ? button(view, QStringLiteral("Check Passwords")) : nullptr;
+    if (check == nullptr) {
+        return;
+    }
+    const TourPerson person;
+    check->click();
+    for (int i = 0; i < 200 && !view->screen().hasReport(); ++i) {
+        QTest::qWait(50);
+    }
+    if (view->screen().hasReport()) {
+        save(&window, folder, QStringLiteral("password-health-report"));
+    }
+}
+
+// Both sheets, the back-up one first. When the person stand-in types the system password, the
+// back-up sheet goes past its first step; otherwise the backup the restore sheet opens is
+// written directly.
 void walkBackupAndRestore(MainWindow& window, DataStore& store, const UserCalendar& calendar,
                           const QString& folder) {
-    testing::ScriptedPerson person;
-    testing::PamPasswords passwords;
-    QtTimers authLoop;
-    std::unique_ptr<PamAuthenticator> authenticator;
-    if (testing::PamPasswords::wrapped()) {
-        authenticator = std::make_unique<PamAuthenticator>(
-            authLoop, person.factory(), FprintdProbe(QDBusConnection(QStringLiteral("no-bus"))));
-        passwords.set(authenticator->userName(), "tour password");
-        person.willType("tour password");
-        AuthManager::shared().connectPlatform(*authenticator, authLoop);
+    std::optional<QString> backup;
+    {
+        const TourPerson person;
+        backup = walkBackup(window, folder);
     }
-    std::optional<QString> backup = walkBackup(window, folder);
-    AuthManager::shared().disconnectPlatform();
     if (!backup) {
         const QString path = folder + QStringLiteral("/tour.vorlanebackup");
         const std::optional<BackupContents> contents = BackupSnapshot::take(store, calendar.now());
@@ -522,6 +560,7 @@ int main(int argc, char* argv[]) {
         }
     }
     walkImport(window, store, folder);
+    walkPasswordHealth(window, state, folder);
     walkBackupAndRestore(window, store, calendar, folder);
     settle();
     return 0;

@@ -77,9 +77,18 @@ void SidebarDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
             painter->setFont(opt.font);
             const auto color =
                 static_cast<Palette::Color>(index.data(SidebarListModel::badgeColor).toInt());
-            const QRect badge =
-                CapsuleBadge::paintRightAligned(*painter, content, QString::number(count), {},
-                                                PaletteColor::color(color, palette), palette);
+            QColor tint = PaletteColor::color(color, palette);
+            QPalette onRow = palette;
+            if (selected) {
+                // A tint mixed into the selection's colour is a muddy capsule with a count that
+                // can hardly be read (orange on blue); like the title, it takes the selection's
+                // text colour, on the selection as its background.
+                tint = textColor;
+                onRow.setColor(QPalette::Base, palette.color(QPalette::Highlight));
+                onRow.setColor(QPalette::Text, textColor);
+            }
+            const QRect badge = CapsuleBadge::paintRightAligned(
+                *painter, content, QString::number(count), {}, tint, onRow);
             textRect.setRight(badge.left() - gap);
         }
     } else {
