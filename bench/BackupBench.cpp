@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Backing up and restoring a vault of 10,000 and 100,000 services, each with its password in the
-// keyring: the snapshot (records and one batched read of every secret) sealed into a backup
-// file, and the restore of those contents into a fresh vault with every secret written back.
+// Backing up and restoring the generator's vaults: the snapshot (records and one batched read of
+// every secret) sealed into a backup file, at 10,000 and 100,000 services with 2,000 passwords
+// in the keyring; the restore into a fresh vault and an emptied keyring, of 1,000 services with
+// their passwords, and of the records alone at 10,000 and 100,000 services. More secrets are
+// not planted: GNOME Keyring makes each item cost more than the one before.
 // The key derivation is left out (a cheap Argon2id cost): it costs the same whatever the vault
 // holds, and CryptoBench's figures cover it.
 //
@@ -192,8 +194,8 @@ void BM_Backup(benchmark::State& state) {
     state.counters["fileMB"] = static_cast<double>(bytes) / 1e6;
 }
 BENCHMARK(BM_Backup)
-    ->Args({10000, 10000})
-    ->Args({100000, 10000})
+    ->Args({10000, 2000})
+    ->Args({100000, 2000})
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime();
 
