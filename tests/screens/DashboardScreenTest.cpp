@@ -157,8 +157,10 @@ TEST_F(DashboardScreenTest, DueInTheNextThirtyDaysAddsEachChargeFallingDueInTheW
     };
     // A year's charge, not its monthly share.
     due("Domain", BillingCycle::annual, daysFromNow(5), "15", nullptr);
-    // Expires after the window, but its previous monthly charge falls inside it.
+    // Renews after the window: nothing of it is due in it, as the renewal list says.
     due("VPS", BillingCycle::monthly, daysFromNow(40), nullptr, "10");
+    // Renews within the hour; its next renewal, a month on, is past the window's 30 days.
+    due("Mail", BillingCycle::monthly, daysFromNow(0, 1h), nullptr, "4");
     // Three months' charge, just inside the window's end; the next one just outside.
     due("Backups", BillingCycle::quarterly, daysFromNow(30, -1min), nullptr, "2");
     due("Hosting", BillingCycle::annual, daysFromNow(30), "100", nullptr);
@@ -167,7 +169,7 @@ TEST_F(DashboardScreenTest, DueInTheNextThirtyDaysAddsEachChargeFallingDueInTheW
 
     const DashboardScreen dashboard = screen();
     ASSERT_EQ(dashboard.stats().size(), 5U);
-    EXPECT_EQ(dashboard.stats()[4].accessibleText(), "Due in the Next 30 Days: $31");
+    EXPECT_EQ(dashboard.stats()[4].accessibleText(), "Due in the Next 30 Days: $25");
 }
 
 TEST_F(DashboardScreenTest, CostsDueFallInTheMonthOfEachRenewalAlongTheCycle) {

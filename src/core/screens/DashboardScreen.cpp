@@ -53,12 +53,14 @@ Decimal DashboardScreen::dueSoon() const {
         return due;
     }
     // Every charge falling in the window: a monthly service can fall due more than once in it.
-    for (const ServiceRecord* service : m_store.fetchAllServices(false)) {
-        const Decimal charge = chargePerPeriod(*service);
+    // The expiration index lists the services renewing in it without ordering the vault.
+    for (const ServiceRecord* service : m_store.fetchExpiringBetween(now, *end)) {
+        const Decimal charge = m_store.chargePerPeriod(*service);
         if (charge.isZero() || charge.isNegative()) {
             continue;
         }
-        const auto dates = renewalDatesBetween(*service, now, *end, m_calendar);
+        const auto dates =
+            renewalDatesBetween(*service, *service->expirationDate, *end, m_calendar);
         due += charge * Decimal(static_cast<std::int64_t>(dates.size()));
     }
     return due;

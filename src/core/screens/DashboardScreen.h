@@ -39,7 +39,9 @@ public:
     static constexpr std::string_view viewAllTitle = "View All";
     static constexpr std::string_view recentTitle = "Recently Updated";
     // The stat card of the charges (each billing period's amount) falling due from now to
-    // `listHorizonDays` days on, archived services left out.
+    // `listHorizonDays` days on, archived services left out: what the renewal list shows as due
+    // for those days, counted as the costs-due chart counts it (a service is charged at its
+    // expiration date and again at each renewal after it; a lapsed one is not projected).
     static constexpr std::string_view dueSoonTitle = "Due in the Next 30 Days";
     static constexpr std::string_view expiringEmptyText = "Nothing expires in the next 30 days.";
     static constexpr std::string_view recentEmptyText = "No services yet.";
