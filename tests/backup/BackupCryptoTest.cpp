@@ -55,9 +55,9 @@ TEST(Argon2idTest, RefusesCostsAndSaltsArgon2DoesNotAllow) {
     EXPECT_TRUE(Argon2id::derive(password, salt, {16, 1, 2}, 32));
 }
 
-// The GCM specification's test case 16 (McGrew and Viega): AES-256, 60 bytes of plaintext and
+// Test case 16 of McGrew and Viega's paper that defines GCM: AES-256, 60 bytes of plaintext and
 // 20 bytes of additional authenticated data.
-TEST(AesGcmAssociatedDataTest, MatchesGcmSpecificationTestCase16AndBindsTheData) {
+TEST(AesGcmAssociatedDataTest, MatchesMcGrewAndViegasTestCase16AndBindsTheData) {
     const auto key = SymmetricKey::fromBytes(
         fromHex("feffe9928665731c6d6a8f9467308308feffe9928665731c6d6a8f9467308308"));
     ASSERT_TRUE(key.has_value());
