@@ -4,16 +4,11 @@
 // the save that was interrupted, never a mixture.
 
 #include "CrashState.h"
+#include "KilledChild.h"
 #include "VaultFixture.h"
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <chrono>
-#include <csignal>
 #include <random>
-#include <sstream>
-#include <thread>
 
 namespace vorlane::testing {
 namespace {
@@ -25,46 +20,14 @@ struct ChildReport {
     std::optional<long> lastSaved;
 };
 
-// Starts the child on the vault, kills it `delay` after it announced its first save, and returns
-// what it announced. Timing from that announcement rather than from the fork keeps the kills
-// inside the saving loop however long a loaded machine takes to start a process.
+// What the child announced before it was killed.
 ChildReport runAndKill(const std::string& vault, std::chrono::microseconds delay) {
-    int output[2];
-    EXPECT_EQ(::pipe(output), 0);
-    const pid_t pid = ::fork();
-    if (pid == 0) {
-        ::dup2(output[1], STDOUT_FILENO);
-        ::close(output[0]);
-        ::close(output[1]);
-        ::execl(VORLANE_CRASH_CHILD, VORLANE_CRASH_CHILD, vault.c_str(), nullptr);
-        ::_exit(127);
-    }
-    ::close(output[1]);
-    std::string text;
-    char buffer[4096];
-    ssize_t got = 0;
-    while (text.find('\n') == std::string::npos &&
-           (got = ::read(output[0], buffer, sizeof buffer)) > 0) {
-        text.append(buffer, static_cast<std::size_t>(got));
-    }
-    std::this_thread::sleep_for(delay);
-    ::kill(pid, SIGKILL);
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    EXPECT_TRUE(WIFSIGNALED(status)) << "the child ended by itself, status " << status;
-
-    while ((got = ::read(output[0], buffer, sizeof buffer)) > 0) {
-        text.append(buffer, static_cast<std::size_t>(got));
-    }
-    ::close(output[0]);
-    ChildReport report;
-    std::istringstream lines(text);
-    std::string word;
-    long generation = 0;
-    while (lines >> word >> generation) {
-        (word == "saving" ? report.lastSaving : report.lastSaved) = generation;
-    }
-    return report;
+    const std::map<std::string, long> last = testing::runAndKill(VORLANE_CRASH_CHILD, vault, delay);
+    const auto announced = [&last](const char* word) -> std::optional<long> {
+        const auto found = last.find(word);
+        return found != last.end() ? std::optional(found->second) : std::nullopt;
+    };
+    return {announced("saving"), announced("saved")};
 }
 
 class CrashSafetyTest : public VaultFixture {
