@@ -20,9 +20,9 @@ namespace vorlane {
 
 namespace {
 
-// Secrets written per step: small enough that Ctrl+C is taken within a moment, large enough
-// that the progress line is not redrawn for every item.
-constexpr std::size_t secretsPerStep = 25;
+// Secrets written per step, sent to the keyring together: small enough that Ctrl+C is taken
+// within a moment, large enough that the keyring always has work waiting.
+constexpr std::size_t secretsPerStep = 64;
 
 } // namespace
 

@@ -9,9 +9,13 @@
 #define SECRET_API_SUBJECT_TO_CHANGE 1
 #include <libsecret/secret.h>
 
+#include <algorithm>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_set>
+#include <vector>
 
 namespace vorlane {
 
@@ -40,6 +44,12 @@ const SecretSchema vaultSchema = {
 
 constexpr const char* binaryContentType = "application/octet-stream";
 constexpr int probeTimeoutMs = 2000;
+// Questions about items sent before the first answer is back; far below the session bus's limit
+// on replies a connection may be awaiting.
+constexpr std::size_t callsInFlight = 64;
+// Secrets fetched in one GetSecrets call, so that no single reply grows without bound in a huge
+// vault and every call ends well within the bus's timeout.
+constexpr std::size_t secretsPerTransfer = 2000;
 
 struct HashTableDeleter {
     void operator()(GHashTable* table) const { g_hash_table_unref(table); }
@@ -81,21 +91,188 @@ std::unique_ptr<GHashTable, HashTableDeleter> attributesFor(std::string_view ser
     return std::unique_ptr<GHashTable, HashTableDeleter>(table);
 }
 
+std::vector<const gchar*> pathList(gchar** paths) {
+    std::vector<const gchar*> list;
+    for (gchar** path = paths; path != nullptr && *path != nullptr; ++path) {
+        list.push_back(*path);
+    }
+    return list;
+}
+
+// Makes `count` asynchronous calls to the Secret Service and takes their answers. The service
+// answers one call at a time and each answer takes it well under a millisecond, so waiting for
+// one answer before asking the next would spend most of the time on the bus's round trips: up to
+// `callsInFlight` calls are on the way at once. `ask(i, done, data)` starts call i with `done`
+// and `data` as its callback; `answer(source, result, i)` finishes it and says whether it
+// succeeded. Answers arrive on a main context of our own, so nothing else of the program runs
+// meanwhile. Stops asking after the first failure; false then.
+bool callAll(std::size_t count,
+             const std::function<void(std::size_t, GAsyncReadyCallback, gpointer)>& ask,
+             const std::function<bool(GObject*, GAsyncResult*, std::size_t)>& answer) {
+    struct Run {
+        const std::function<bool(GObject*, GAsyncResult*, std::size_t)>& answer;
+        std::size_t answered = 0;
+        bool failed = false;
+    };
+    struct Call {
+        Run* run;
+        std::size_t index;
+    };
+    Run run{answer};
+    std::vector<Call> calls(count);
+    const GAsyncReadyCallback done = [](GObject* source, GAsyncResult* result, gpointer data) {
+        const auto* call = static_cast<const Call*>(data);
+        if (!call->run->answer(source, result, call->index)) {
+            call->run->failed = true;
+        }
+        ++call->run->answered;
+    };
+    GMainContext* context = g_main_context_new();
+    g_main_context_push_thread_default(context);
+    std::size_t asked = 0;
+    while (run.answered < count && !run.failed) {
+        while (asked < count && asked - run.answered < callsInFlight) {
+            calls[asked] = {&run, asked};
+            ask(asked, done, &calls[asked]);
+            ++asked;
+        }
+        g_main_context_iteration(context, TRUE);
+    }
+    // Calls still on the way after a failure point into `calls`: they are answered (or time out)
+    // before it goes.
+    while (run.answered < asked) {
+        g_main_context_iteration(context, TRUE);
+    }
+    g_main_context_pop_thread_default(context);
+    g_main_context_unref(context);
+    return !run.failed;
+}
+
+// The "account" attribute of every item, in the order of `paths`; the Secret Service has no call
+// that lists attributes, so each item is asked about. Nothing when any item could not be asked
+// about (it vanished, or the service failed); an item without the attribute reads as an empty
+// account, which no caller asks for.
+std::optional<std::vector<std::string>> accountsOf(SecretService* secretService,
+                                                   const std::vector<const gchar*>& paths) {
+    std::vector<std::string> accounts(paths.size());
+    GDBusProxy* proxy = G_DBUS_PROXY(secretService);
+    const bool answered = callAll(
+        paths.size(),
+        [&](std::size_t i, GAsyncReadyCallback done, gpointer data) {
+            g_dbus_connection_call(
+                g_dbus_proxy_get_connection(proxy), g_dbus_proxy_get_name(proxy), paths[i],
+                "org.freedesktop.DBus.Properties", "Get",
+                g_variant_new("(ss)", "org.freedesktop.Secret.Item", "Attributes"),
+                G_VARIANT_TYPE("(v)"), G_DBUS_CALL_FLAGS_NONE, -1, nullptr, done, data);
+        },
+        [&](GObject* source, GAsyncResult* result, std::size_t i) {
+            ErrorSlot error;
+            const std::unique_ptr<GVariant, VariantDeleter> reply(
+                g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), result, error.out()));
+            if (!reply) {
+                return false;
+            }
+            GVariant* boxed = nullptr;
+            g_variant_get(reply.get(), "(v)", &boxed);
+            const std::unique_ptr<GVariant, VariantDeleter> itemAttributes(boxed);
+            const gchar* account = nullptr;
+            if (g_variant_is_of_type(itemAttributes.get(), G_VARIANT_TYPE("a{ss}")) &&
+                g_variant_lookup(itemAttributes.get(), "account", "&s", &account)) {
+                accounts[i] = account;
+            }
+            return true;
+        });
+    if (!answered) {
+        return std::nullopt;
+    }
+    return accounts;
+}
+
+std::string labelFor(std::string_view account) {
+    // The label names the item for people browsing their keyring; it holds the identifier only.
+    return "Vorlane: " + std::string(account);
+}
+
+std::unique_ptr<SecretValue, ValueDeleter> secretValueOf(const SecretBytes& value) {
+    return std::unique_ptr<SecretValue, ValueDeleter>(
+        secret_value_new(reinterpret_cast<const gchar*>(value.data()),
+                         static_cast<gssize>(value.size()), binaryContentType));
+}
+
+// An item's properties for CreateItem, with the attributes libsecret gives items of our schema
+// (its name under "xdg:schema"), so that searches by schema find them.
+std::unique_ptr<GHashTable, HashTableDeleter> itemProperties(std::string_view service,
+                                                             std::string_view account) {
+    GHashTable* properties = g_hash_table_new_full(
+        g_str_hash, g_str_equal, nullptr, reinterpret_cast<GDestroyNotify>(g_variant_unref));
+    GVariantBuilder attributes;
+    g_variant_builder_init(&attributes, G_VARIANT_TYPE("a{ss}"));
+    g_variant_builder_add(&attributes, "{ss}", "xdg:schema", vaultSchema.name);
+    g_variant_builder_add(&attributes, "{ss}", "service", std::string(service).c_str());
+    g_variant_builder_add(&attributes, "{ss}", "account", std::string(account).c_str());
+    g_hash_table_insert(properties, const_cast<gchar*>("org.freedesktop.Secret.Item.Label"),
+                        g_variant_ref_sink(g_variant_new_string(labelFor(account).c_str())));
+    g_hash_table_insert(properties, const_cast<gchar*>("org.freedesktop.Secret.Item.Attributes"),
+                        g_variant_ref_sink(g_variant_builder_end(&attributes)));
+    return std::unique_ptr<GHashTable, HashTableDeleter>(properties);
+}
+
 } // namespace
 
 SecretBackend::Status LibsecretBackend::add(std::string_view service, std::string_view account,
                                             const SecretBytes& value) {
     const auto attributes = attributesFor(service, account);
-    // The label names the item for people browsing their keyring; it holds the identifier only.
-    const std::string label = "Vorlane: " + std::string(account);
-    const std::unique_ptr<SecretValue, ValueDeleter> secret(
-        secret_value_new(reinterpret_cast<const gchar*>(value.data()),
-                         static_cast<gssize>(value.size()), binaryContentType));
+    const auto secret = secretValueOf(value);
     ErrorSlot error;
     const gboolean stored = secret_password_storev_binary_sync(
-        &vaultSchema, attributes.get(), SECRET_COLLECTION_DEFAULT, label.c_str(), secret.get(),
-        nullptr, error.out());
+        &vaultSchema, attributes.get(), SECRET_COLLECTION_DEFAULT, labelFor(account).c_str(),
+        secret.get(), nullptr, error.out());
     return stored && !error.isSet() ? Status::success : Status::failure;
+}
+
+SecretBackend::Status
+LibsecretBackend::addMany(std::string_view service,
+                          const std::vector<std::pair<std::string, SecretBytes>>& items) {
+    ErrorSlot error;
+    const std::unique_ptr<SecretService, ObjectDeleter> secretService(
+        secret_service_get_sync(SECRET_SERVICE_OPEN_SESSION, nullptr, error.out()));
+    if (!secretService) {
+        return Status::failure;
+    }
+    const std::unique_ptr<gchar, void (*)(gpointer)> collection(
+        secret_service_read_alias_dbus_path_sync(secretService.get(), SECRET_COLLECTION_DEFAULT,
+                                                 nullptr, error.out()),
+        g_free);
+    if (error.isSet()) {
+        return Status::failure;
+    }
+    if (!collection) {
+        // No default collection yet: the single add lets libsecret create it (the desktop asks
+        // the user for its password), after which the rest can go at once.
+        if (items.empty() ||
+            add(service, items.front().first, items.front().second) != Status::success) {
+            return items.empty() ? Status::success : Status::failure;
+        }
+        return addMany(service, {items.begin() + 1, items.end()});
+    }
+    const bool added = callAll(
+        items.size(),
+        [&](std::size_t i, GAsyncReadyCallback done, gpointer data) {
+            const auto properties = itemProperties(service, items[i].first);
+            const auto secret = secretValueOf(items[i].second);
+            secret_service_create_item_dbus_path(secretService.get(), collection.get(),
+                                                 properties.get(), secret.get(),
+                                                 SECRET_ITEM_CREATE_REPLACE, nullptr, done, data);
+        },
+        [&](GObject*, GAsyncResult* result, std::size_t) {
+            ErrorSlot createError;
+            const std::unique_ptr<gchar, void (*)(gpointer)> path(
+                secret_service_create_item_dbus_path_finish(secretService.get(), result,
+                                                            createError.out()),
+                g_free);
+            return path != nullptr && !createError.isSet();
+        });
+    return added ? Status::success : Status::failure;
 }
 
 std::pair<SecretBackend::Status, std::optional<SecretBytes>>
@@ -121,7 +298,7 @@ LibsecretBackend::readMany(std::string_view service, const std::vector<std::stri
     std::unordered_map<std::string, SecretBytes> values;
     ErrorSlot error;
     const std::unique_ptr<SecretService, ObjectDeleter> secretService(
-        secret_service_get_sync(SECRET_SERVICE_NONE, nullptr, error.out()));
+        secret_service_get_sync(SECRET_SERVICE_OPEN_SESSION, nullptr, error.out()));
     if (!secretService) {
         return {Status::failure, std::move(values)};
     }
@@ -129,48 +306,62 @@ LibsecretBackend::readMany(std::string_view service, const std::vector<std::stri
         g_hash_table_new_full(g_str_hash, g_str_equal, g_free, g_free));
     g_hash_table_insert(attributes.get(), g_strdup("service"),
                         g_strndup(service.data(), static_cast<gsize>(service.size())));
-    GList* found = secret_service_search_sync(secretService.get(), &vaultSchema, attributes.get(),
-                                              SECRET_SEARCH_ALL, nullptr, error.out());
-    const std::unique_ptr<GList, void (*)(GList*)> items(
-        found, [](GList* list) { g_list_free_full(list, g_object_unref); });
-    if (error.isSet()) {
+    gchar** unlockedFound = nullptr;
+    gchar** lockedFound = nullptr;
+    const gboolean searched = secret_service_search_for_dbus_paths_sync(
+        secretService.get(), &vaultSchema, attributes.get(), nullptr, &unlockedFound, &lockedFound,
+        error.out());
+    const std::unique_ptr<gchar*, void (*)(gchar**)> unlocked(unlockedFound, g_strfreev);
+    const std::unique_ptr<gchar*, void (*)(gchar**)> locked(lockedFound, g_strfreev);
+    if (!searched || error.isSet()) {
+        return {Status::failure, std::move(values)};
+    }
+    const std::vector<const gchar*> unlockedPaths = pathList(unlocked.get());
+    const std::vector<const gchar*> lockedPaths = pathList(locked.get());
+    const auto unlockedAccounts = accountsOf(secretService.get(), unlockedPaths);
+    const auto lockedAccounts = accountsOf(secretService.get(), lockedPaths);
+    if (!unlockedAccounts || !lockedAccounts) {
         return {Status::failure, std::move(values)};
     }
     const std::unordered_set<std::string_view> wanted(accounts.begin(), accounts.end());
-    GList* chosen = nullptr; // borrowed items, in the order found
-    bool anyLocked = false;
-    for (GList* node = items.get(); node != nullptr; node = node->next) {
-        auto* item = static_cast<SecretItem*>(node->data);
-        const std::unique_ptr<GHashTable, HashTableDeleter> itemAttributes(
-            secret_item_get_attributes(item));
-        const auto* account =
-            static_cast<const char*>(g_hash_table_lookup(itemAttributes.get(), "account"));
-        if (account != nullptr && wanted.count(account) != 0) {
-            anyLocked = anyLocked || secret_item_get_locked(item);
-            chosen = g_list_prepend(chosen, item);
+    // A locked item that was asked for cannot be read; leaving it out would pass it off as
+    // missing.
+    for (const std::string& account : *lockedAccounts) {
+        if (wanted.count(account) != 0) {
+            return {Status::failure, std::move(values)};
         }
     }
-    const std::unique_ptr<GList, void (*)(GList*)> chosenItems(chosen, g_list_free);
-    if (anyLocked) {
-        return {Status::failure, std::move(values)};
+    std::vector<std::size_t> chosen; // indexes into unlockedPaths
+    for (std::size_t i = 0; i < unlockedPaths.size(); ++i) {
+        if (wanted.count((*unlockedAccounts)[i]) != 0) {
+            chosen.push_back(i);
+        }
     }
-    if (chosen != nullptr && !secret_item_load_secrets_sync(chosen, nullptr, error.out())) {
-        return {Status::failure, std::move(values)};
-    }
-    for (GList* node = chosen; node != nullptr; node = node->next) {
-        auto* item = static_cast<SecretItem*>(node->data);
-        const std::unique_ptr<SecretValue, ValueDeleter> secret(secret_item_get_secret(item));
-        if (!secret) {
+    for (std::size_t start = 0; start < chosen.size(); start += secretsPerTransfer) {
+        const std::size_t end = std::min(chosen.size(), start + secretsPerTransfer);
+        std::vector<const gchar*> paths;
+        for (std::size_t k = start; k < end; ++k) {
+            paths.push_back(unlockedPaths[chosen[k]]);
+        }
+        paths.push_back(nullptr);
+        const std::unique_ptr<GHashTable, HashTableDeleter> secrets(
+            secret_service_get_secrets_for_dbus_paths_sync(secretService.get(), paths.data(),
+                                                           nullptr, error.out()));
+        if (!secrets || error.isSet()) {
             return {Status::failure, {}};
         }
-        const std::unique_ptr<GHashTable, HashTableDeleter> itemAttributes(
-            secret_item_get_attributes(item));
-        gsize length = 0;
-        const auto* bytes =
-            reinterpret_cast<const std::uint8_t*>(secret_value_get(secret.get(), &length));
-        values.insert_or_assign(
-            static_cast<const char*>(g_hash_table_lookup(itemAttributes.get(), "account")),
-            SecretBytes(bytes, bytes + length));
+        for (std::size_t k = start; k < end; ++k) {
+            auto* secret = static_cast<SecretValue*>(
+                g_hash_table_lookup(secrets.get(), unlockedPaths[chosen[k]]));
+            if (secret == nullptr) {
+                return {Status::failure, {}};
+            }
+            gsize length = 0;
+            const auto* bytes =
+                reinterpret_cast<const std::uint8_t*>(secret_value_get(secret, &length));
+            values.insert_or_assign((*unlockedAccounts)[chosen[k]],
+                                    SecretBytes(bytes, bytes + length));
+        }
     }
     return {Status::success, std::move(values)};
 }

@@ -15,11 +15,17 @@ class LibsecretBackend final : public SecretBackend {
 public:
     Status add(std::string_view service, std::string_view account,
                const SecretBytes& value) override;
+    // CreateItem calls into the default collection, many on the way at once; GNOME Keyring's own
+    // work on each item (and for a collection on disk, writing its whole file) remains.
+    Status addMany(std::string_view service,
+                   const std::vector<std::pair<std::string, SecretBytes>>& items) override;
     std::pair<Status, std::optional<SecretBytes>> read(std::string_view service,
                                                        std::string_view account) override;
-    // One search of the service's items (their attributes, without secrets), then one GetSecrets
-    // call for the items asked for, so that reading thousands of items costs two exchanges with
-    // the service, not one per item. Items in a locked collection count as unreadable: failure.
+    // One search for the paths of the service's items, their "account" attributes asked for
+    // with many calls in flight at once (the Secret Service has no call that lists attributes),
+    // then the secrets asked for in GetSecrets calls of a few thousand items each. No item
+    // proxies are built: each costs the bus several round trips and a match rule. Items in a
+    // locked collection count as unreadable: failure.
     std::pair<Status, std::unordered_map<std::string, SecretBytes>>
     readMany(std::string_view service, const std::vector<std::string>& accounts) override;
     // Removes every item matching service and account; notFound when there was none.

@@ -355,6 +355,56 @@ TEST_F(KeychainManagerTest, ABatchReadGivesExactlyTheAskedItemsOfOursAndNothingW
     EXPECT_EQ(m_keychain.readMany(asked), std::nullopt);
 }
 
+TEST_F(KeychainManagerTest, ItemsAddedTogetherAreItemsLikeAnyOtherAndALockedKeyringTakesNone) {
+    // More items than the adapter sends before waiting for answers, of every kind of value.
+    std::vector<std::pair<std::string, SecretBytes>> items;
+    for (int i = 0; i < 150; ++i) {
+        items.emplace_back(
+            "vorlane.secret.together-" + std::to_string(i),
+            bytes(std::string(static_cast<std::size_t>(i % 5), 'x') + "pw " + std::to_string(i)));
+    }
+    items.emplace_back("vorlane.apikey.together-binary", SecretBytes{0, 0xff, '\n', 0x80, 0});
+    items.emplace_back("vorlane.secret.together-empty", SecretBytes{});
+    ASSERT_TRUE(m_keychain.addMany(items));
+
+    std::vector<std::string> accounts;
+    for (const auto& [account, value] : items) {
+        accounts.push_back(account);
+    }
+    const auto read = m_keychain.readMany(accounts);
+    ASSERT_TRUE(read.has_value());
+    EXPECT_EQ(read->size(), items.size());
+    for (const auto& [account, value] : items) {
+        const auto found = read->find(account);
+        ASSERT_NE(found, read->end()) << account;
+        EXPECT_EQ(found->second, value) << account;
+    }
+    // Each is one item shaped as a saved one, which the single calls read and delete.
+    const auto stored = storedItems(service, "vorlane.apikey.together-binary");
+    ASSERT_EQ(stored.size(), 1u);
+    const std::map<std::string, std::string> expectedAttributes = {
+        {"service", "com.vorlane.vault"},
+        {"account", "vorlane.apikey.together-binary"},
+        {"xdg:schema", "com.vorlane.vault"},
+    };
+    EXPECT_EQ(stored.front().attributes, expectedAttributes);
+    EXPECT_NE(stored.front().label.find("vorlane.apikey.together-binary"), std::string::npos);
+    EXPECT_EQ(m_keychain.readData("vorlane.secret.together-7"), bytes("xxpw 7"));
+    EXPECT_TRUE(m_keychain.remove("vorlane.secret.together-7"));
+    EXPECT_EQ(itemCount(service, "vorlane.secret.together-7"), 0u);
+
+    EXPECT_TRUE(m_keychain.addMany({}));
+    EXPECT_FALSE(
+        m_keychain.addMany({{"vorlane.secret.beside-a-blank", bytes("v")}, {"", bytes("w")}}));
+    EXPECT_EQ(itemCount(service, "vorlane.secret.beside-a-blank"), 0u);
+
+    lockDefaultCollection();
+    EXPECT_FALSE(m_keychain.addMany({{"vorlane.secret.while-locked-1", bytes("a")},
+                                     {"vorlane.secret.while-locked-2", bytes("b")}}));
+    EXPECT_EQ(itemCount(service, "vorlane.secret.while-locked-1"), 0u);
+    EXPECT_EQ(itemCount(service, "vorlane.secret.while-locked-2"), 0u);
+}
+
 TEST_F(KeychainManagerTest, ConcurrentCallersNeverSeeAHalfDoneSave) {
     const std::string shared = "vorlane.secret.contended";
     const std::vector<std::string> writerValues = {"alpha-value", "bravo-value", "charlie-value"};

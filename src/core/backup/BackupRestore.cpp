@@ -7,12 +7,17 @@
 #include <algorithm>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
+#include <vector>
 
 namespace vorlane {
 
 namespace {
 
 enum class Action { add, replace, leave };
+
+const std::string refusedToStore =
+    "The Secret Service refused to store a secret (is the keyring locked?). Nothing was restored.";
 
 // What the merge does with each record of the backup, decided from the vault as it is.
 struct Plan {
@@ -141,7 +146,8 @@ struct BackupRestore::State {
     // account without an earlier item is absent.
     std::optional<std::unordered_map<std::string, SecretBytes>> earlier;
     // Accounts [0, touched) may have changed in the secret store: `written` of them were written,
-    // and a failed write may have removed the earlier item before it failed.
+    // and the rest of a step that failed may have been written in part, or lost their earlier
+    // item to a save's delete.
     std::size_t touched = 0;
     std::size_t written = 0;
     bool finished = false;
@@ -228,17 +234,26 @@ bool BackupRestore::step(std::size_t count) {
     }
     const std::size_t end =
         std::min(accounts.size(), state.written + std::max<std::size_t>(count, 1));
-    while (state.written < end) {
-        const std::string& account = accounts[state.written];
+    // An account that already has an item is replaced through a save, which deletes every item
+    // of the account first; the others (on a new machine, all of them) are added together.
+    std::vector<std::pair<std::string, SecretBytes>> fresh;
+    state.touched = end;
+    for (std::size_t i = state.written; i < end; ++i) {
+        const std::string& account = accounts[i];
         const std::string& secret = state.contents.secrets.at(account);
-        state.touched = state.written + 1;
-        if (!keychain.save(SecretBytes(secret.begin(), secret.end()), account)) {
-            state.fail("The Secret Service refused to store a secret (is the keyring locked?). "
-                       "Nothing was restored.");
+        SecretBytes value(secret.begin(), secret.end());
+        if (!state.earlier->contains(account)) {
+            fresh.emplace_back(account, std::move(value));
+        } else if (!keychain.save(value, account)) {
+            state.fail(refusedToStore);
             return false;
         }
-        ++state.written;
     }
+    if (!keychain.addMany(fresh)) {
+        state.fail(refusedToStore);
+        return false;
+    }
+    state.written = end;
     if (state.written < accounts.size()) {
         return true;
     }

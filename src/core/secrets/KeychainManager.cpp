@@ -23,6 +23,18 @@ bool KeychainManager::save(const SecretBytes& data, std::string_view account) {
     return m_backend.add(serviceName, account, data) == SecretBackend::Status::success;
 }
 
+bool KeychainManager::addMany(const std::vector<std::pair<std::string, SecretBytes>>& items) {
+    if (std::any_of(items.begin(), items.end(),
+                    [](const auto& item) { return item.first.empty(); })) {
+        return false;
+    }
+    if (items.empty()) {
+        return true;
+    }
+    const std::lock_guard lock(m_mutex);
+    return m_backend.addMany(serviceName, items) == SecretBackend::Status::success;
+}
+
 std::optional<SecretBytes> KeychainManager::readData(std::string_view account) {
     if (account.empty()) {
         return std::nullopt;

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace vorlane {
@@ -26,6 +27,11 @@ public:
     // Replaces any item under `account` with `data`; true exactly when the new item was added.
     // An empty account names no item: false, and nothing is stored.
     bool save(const SecretBytes& data, std::string_view account);
+    // Stores each value under its account, for accounts known to have no item yet (a restore
+    // onto a keyring that lacks them), all in one exchange and without the delete that `save`
+    // does first. True when every one was stored; false when any was not (an empty account
+    // included), and then any of them may be there.
+    bool addMany(const std::vector<std::pair<std::string, SecretBytes>>& items);
     // The item's bytes; nothing for a missing item, an empty account, or any failure.
     std::optional<SecretBytes> readData(std::string_view account);
     // The bytes of each of `accounts` that has an item, keyed by account, in one batched read;

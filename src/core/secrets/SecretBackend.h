@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace vorlane {
@@ -28,6 +29,11 @@ public:
     // make this fail, so callers delete first.
     virtual Status add(std::string_view service, std::string_view account,
                        const SecretBytes& value) = 0;
+    // Adds every (account, value) item of `service` with many calls on the way at once, for
+    // accounts that have no item yet; as with add, an existing item may be replaced. success
+    // when every one was added; failure otherwise, and then any of them may have been added.
+    virtual Status addMany(std::string_view service,
+                           const std::vector<std::pair<std::string, SecretBytes>>& items) = 0;
     // The item's bytes; nothing together with notFound or failure.
     virtual std::pair<Status, std::optional<SecretBytes>> read(std::string_view service,
                                                                std::string_view account) = 0;

@@ -25,9 +25,9 @@ namespace vorlane {
 
 namespace {
 
-// Each secret waits on the keyring for a few milliseconds; a handful per turn keeps the window
-// answering while the bar moves.
-constexpr std::size_t secretsPerTurn = 8;
+// Each secret costs the keyring a few milliseconds, and the secrets of one turn are sent to it
+// together; two dozen per turn keep the window answering while the bar moves.
+constexpr std::size_t secretsPerTurn = 24;
 
 QWidget* page(QVBoxLayout*& layout) {
     auto* widget = new QWidget;
