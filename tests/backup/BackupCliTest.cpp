@@ -305,7 +305,7 @@ TEST_F(BackupCliTest, CtrlCDuringARestoreLeavesTheVaultAndTheKeyringAsTheyWere) 
     // Enough secrets that the restore is still writing when the interrupt comes.
     Organization& client = addOrganization("Acme");
     std::vector<std::string> accounts;
-    for (int i = 0; i < 80; ++i) {
+    for (int i = 0; i < 300; ++i) {
         ServiceRecord& service = addService(client, "Service " + std::to_string(i));
         change(service, [](ServiceRecord& s) {
             s.secretKeychainID = ServiceRecord::makeSecretKeychainID();

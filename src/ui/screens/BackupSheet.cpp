@@ -7,19 +7,18 @@
 #include "components/ErrorLabel.h"
 #include "components/PasswordGeneratorPopup.h"
 #include "components/PlainText.h"
+#include "components/RunProgress.h"
 #include "components/StepIndicator.h"
 #include "components/StrengthMeter.h"
 #include "components/TintedIcon.h"
 
 #include <QDir>
 #include <QFileDialog>
-#include <QFont>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QStandardPaths>
@@ -160,23 +159,8 @@ QWidget* BackupSheet::createSaveStep() {
     auto* page = new QWidget;
     auto* layout = new QVBoxLayout(page);
     layout->setContentsMargins(20, 12, 20, 8);
-    m_progressText = new QLabel(QString::fromUtf8(BackupFlow::progressText));
-    m_progressText->setAccessibleName(QStringLiteral("Progress"));
-    layout->addWidget(m_progressText);
-    m_progress = new QProgressBar;
-    // How long the key derivation takes cannot be told in advance: a busy bar.
-    m_progress->setRange(0, 0);
-    m_progress->setTextVisible(false);
-    m_progress->setAccessibleName(QStringLiteral("Backup progress"));
-    layout->addWidget(m_progress);
-
-    m_doneText = PlainText::label();
-    m_doneText->setWordWrap(true);
-    m_doneText->setAccessibleName(QStringLiteral("Summary"));
-    QFont bold = m_doneText->font();
-    bold.setBold(true);
-    m_doneText->setFont(bold);
-    layout->addWidget(m_doneText);
+    m_run = new RunProgress(QStringLiteral("Backup progress"), QStringLiteral("Summary"));
+    layout->addWidget(m_run);
     m_savedPath = PlainText::label();
     m_savedPath->setWordWrap(true);
     m_savedPath->setAccessibleName(QStringLiteral("Saved to"));
@@ -273,13 +257,15 @@ void BackupSheet::refresh() {
     ErrorLabel::show(*m_confirmationProblem, m_flow.confirmationMessage().value_or(std::string()));
 
     const bool done = step == BackupFlow::Step::done;
-    m_progressText->setVisible(!done);
-    m_progress->setVisible(!done);
-    m_doneText->setVisible(done);
+    if (done) {
+        m_run->showOutcome(toQString(m_flow.doneText()));
+    } else {
+        // How long the key derivation takes cannot be told in advance: a busy bar.
+        m_run->showRunning(QString::fromUtf8(BackupFlow::progressText), std::nullopt);
+    }
     m_savedPath->setVisible(done);
     m_missing->setVisible(done && !m_flow.missingSecrets().empty());
     if (done) {
-        m_doneText->setText(toQString(m_flow.doneText()));
         m_savedPath->setText(QStringLiteral("Saved to %1").arg(toQString(m_flow.savedPath())));
         QStringList missing;
         for (const std::string& secret : m_flow.missingSecrets()) {

@@ -13,12 +13,12 @@
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
-class QProgressBar;
 class QStackedWidget;
 
 namespace vorlane {
 
 struct AppContext;
+class RunProgress;
 class StepIndicator;
 class StrengthMeter;
 
@@ -63,9 +63,7 @@ private:
     QLineEdit* m_confirmation = nullptr;
     QLabel* m_confirmationProblem = nullptr;
     QLabel* m_saveError = nullptr;
-    QLabel* m_progressText = nullptr;
-    QProgressBar* m_progress = nullptr;
-    QLabel* m_doneText = nullptr;
+    RunProgress* m_run = nullptr;
     QLabel* m_savedPath = nullptr;
     QPlainTextEdit* m_missing = nullptr;
     // Last, so that it is destroyed first: it waits for the worker while the sheet still exists.

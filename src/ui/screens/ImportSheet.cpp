@@ -6,6 +6,7 @@
 #include "app/AppContext.h"
 #include "components/PaletteColor.h"
 #include "components/PlainText.h"
+#include "components/RunProgress.h"
 #include "model/Organization.h"
 #include "screens/ImportChoiceDelegate.h"
 #include "screens/ImportPreviewModel.h"
@@ -21,7 +22,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QTableView>
@@ -195,22 +195,8 @@ QWidget* ImportSheet::createImportStep() {
     auto* page = new QWidget;
     auto* layout = new QVBoxLayout(page);
     layout->setContentsMargins(20, 8, 20, 8);
-    m_progressText = PlainText::label();
-    m_progressText->setAccessibleName(QStringLiteral("Progress"));
-    layout->addWidget(m_progressText);
-    m_progress = new QProgressBar;
-    m_progress->setRange(0, 1000);
-    m_progress->setTextVisible(false);
-    m_progress->setAccessibleName(QStringLiteral("Import progress"));
-    layout->addWidget(m_progress);
-
-    m_summary = PlainText::label();
-    m_summary->setWordWrap(true);
-    m_summary->setAccessibleName(QStringLiteral("Summary"));
-    QFont bold = m_summary->font();
-    bold.setBold(true);
-    m_summary->setFont(bold);
-    layout->addWidget(m_summary);
+    m_run = new RunProgress(QStringLiteral("Import progress"), QStringLiteral("Summary"));
+    layout->addWidget(m_run);
     m_details = new QPlainTextEdit;
     m_details->setReadOnly(true);
     m_details->setTabChangesFocus(true);
@@ -330,15 +316,15 @@ void ImportSheet::refresh() {
     const bool done = step == ImportFlow::Step::done;
     m_frame.main()->setEnabled(step == ImportFlow::Step::chooseFile || done || m_flow.canImport());
 
-    m_progress->setValue(static_cast<int>(m_flow.progress() * 1000));
-    m_progressText->setText(toQString(m_flow.progressText()));
-    m_progressText->setVisible(!done);
-    m_summary->setVisible(done);
+    if (done) {
+        m_run->showOutcome(toQString(m_flow.summary()));
+    } else {
+        m_run->showRunning(toQString(m_flow.progressText()), m_flow.progress());
+    }
     m_details->setVisible(done);
     m_advice->setVisible(done);
     if (done) {
         const ImportReport& report = m_flow.report();
-        m_summary->setText(toQString(m_flow.summary()));
         QStringList lines;
         if (!report.failure.empty()) {
             lines << QStringLiteral("Stopped: ") + toQString(report.failure);

@@ -11,7 +11,6 @@ class QComboBox;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
-class QProgressBar;
 class QPushButton;
 class QStackedWidget;
 class QTableView;
@@ -21,6 +20,7 @@ namespace vorlane {
 
 struct AppContext;
 class ImportPreviewModel;
+class RunProgress;
 
 // The import sheet: draws an ImportFlow step by step. The import runs a few rows per turn of the
 // main loop, so the window keeps drawing the progress and Cancel (or Escape) stops it between
@@ -62,9 +62,7 @@ private:
     QLineEdit* m_fallback = nullptr;
     QCheckBox* m_oneOrganization = nullptr;
     QLabel* m_previewSummary = nullptr;
-    QProgressBar* m_progress = nullptr;
-    QLabel* m_progressText = nullptr;
-    QLabel* m_summary = nullptr;
+    RunProgress* m_run = nullptr;
     QPlainTextEdit* m_details = nullptr;
     QLabel* m_advice = nullptr;
 };

@@ -6,6 +6,7 @@
 #include "backup/BackupFile.h"
 #include "components/ErrorLabel.h"
 #include "components/PlainText.h"
+#include "components/RunProgress.h"
 #include "components/StepIndicator.h"
 
 #include <QFileDialog>
@@ -145,21 +146,8 @@ QWidget* RestoreSheet::createSummaryStep() {
 QWidget* RestoreSheet::createRestoreStep() {
     QVBoxLayout* layout = nullptr;
     QWidget* widget = page(layout);
-    m_progressText = PlainText::label();
-    m_progressText->setAccessibleName(QStringLiteral("Progress"));
-    layout->addWidget(m_progressText);
-    m_progress = new QProgressBar;
-    m_progress->setRange(0, 1000);
-    m_progress->setTextVisible(false);
-    m_progress->setAccessibleName(QStringLiteral("Restore progress"));
-    layout->addWidget(m_progress);
-    m_result = PlainText::label();
-    m_result->setWordWrap(true);
-    m_result->setAccessibleName(QStringLiteral("Result"));
-    QFont bold = m_result->font();
-    bold.setBold(true);
-    m_result->setFont(bold);
-    layout->addWidget(m_result);
+    m_run = new RunProgress(QStringLiteral("Restore progress"), QStringLiteral("Result"));
+    layout->addWidget(m_run);
     layout->addStretch();
     return widget;
 }
@@ -290,12 +278,11 @@ void RestoreSheet::refresh() {
     m_opening->setVisible(m_flow.isOpening());
 
     const bool done = step == RestoreFlow::Step::done;
-    m_progressText->setText(toQString(m_flow.progressText()));
-    m_progressText->setVisible(!done);
-    m_progress->setValue(static_cast<int>(m_flow.progress() * 1000));
-    m_progress->setVisible(!done);
-    m_result->setText(toQString(m_flow.resultText()));
-    m_result->setVisible(done);
+    if (done) {
+        m_run->showOutcome(toQString(m_flow.resultText()));
+    } else {
+        m_run->showRunning(toQString(m_flow.progressText()), m_flow.progress());
+    }
 }
 
 } // namespace vorlane

@@ -17,6 +17,7 @@ class QTimer;
 namespace vorlane {
 
 struct AppContext;
+class RunProgress;
 class StepIndicator;
 
 // File → Restore from Backup…: draws a RestoreFlow step by step. The backup is opened (a key
@@ -61,9 +62,7 @@ private:
     QProgressBar* m_opening = nullptr;
     QGridLayout* m_contents = nullptr;
     QLabel* m_plan = nullptr;
-    QLabel* m_progressText = nullptr;
-    QProgressBar* m_progress = nullptr;
-    QLabel* m_result = nullptr;
+    RunProgress* m_run = nullptr;
     // Last, so that it is destroyed first: it waits for the worker while the sheet still exists.
     BackgroundJob m_job{*this};
 };
