@@ -5,6 +5,7 @@
 #include "app/AppContext.h"
 #include "components/CapsuleLabel.h"
 #include "components/DestructiveConfirmation.h"
+#include "components/ErrorLabel.h"
 #include "components/PaletteColor.h"
 #include "components/PlainText.h"
 #include "components/TintedIcon.h"
@@ -62,14 +63,6 @@ void makeSecondary(QLabel* label) {
     label->setPalette(palette);
 }
 
-void makeRed(QLabel* label) {
-    QPalette palette = label->palette();
-    palette.setColor(
-        QPalette::WindowText,
-        PaletteColor::foreground(PaletteColor::color(Palette::Color::red, palette), palette));
-    label->setPalette(palette);
-}
-
 QLabel* sectionTitle(const QString& text) {
     auto* title = new QLabel(text);
     QFont font = title->font();
@@ -92,7 +85,7 @@ ServiceDetailView::ServiceDetailView(AppContext& context, const ServiceRecord& s
     , m_badge(new CapsuleLabel)
     , m_openURL(actionButton("safari", QStringLiteral("Open URL")))
     , m_markRenewed(actionButton("arrow.clockwise", QStringLiteral("Mark Renewed")))
-    , m_message(PlainText::label())
+    , m_message(ErrorLabel::create())
     , m_sectionsHost(new QWidget)
     , m_sectionsLayout(new QVBoxLayout(m_sectionsHost)) {
     setAccessibleName(QStringLiteral("Service"));
@@ -187,9 +180,6 @@ void ServiceDetailView::buildActions(QVBoxLayout* layout) {
     bar->addWidget(remove);
     layout->addLayout(bar);
 
-    m_message->setWordWrap(true);
-    makeRed(m_message);
-    m_message->hide();
     layout->addWidget(m_message);
 }
 
@@ -216,8 +206,7 @@ void ServiceDetailView::refresh() {
     m_badge->setBadge(toQString(state.displayName()), state.icon(), state.color());
     m_openURL->setEnabled(m_screen.canOpenURL());
     m_markRenewed->setEnabled(m_screen.canMarkRenewed());
-    m_message->setText(toQString(m_screen.message()));
-    m_message->setVisible(!m_screen.message().empty());
+    ErrorLabel::show(*m_message, m_screen.message());
 
     refreshPayments();
 
@@ -507,9 +496,7 @@ void ServiceDetailView::askPayment(const QString& title, const QString& amount, 
     amountEdit->setPlaceholderText(QStringLiteral("15.00"));
     auto* noteEdit = new QLineEdit(note);
     noteEdit->setAccessibleName(QStringLiteral("Note"));
-    QLabel* error = PlainText::label();
-    makeRed(error);
-    error->hide();
+    QLabel* error = ErrorLabel::create();
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel);
     auto* form = new QFormLayout;
     form->addRow(QStringLiteral("Amount:"), amountEdit);
@@ -525,8 +512,7 @@ void ServiceDetailView::askPayment(const QString& title, const QString& amount, 
                     apply(toStdString(amountEdit->text()), toStdString(noteEdit->text()));
                 if (refusal) {
                     // The typed text stays, to be corrected rather than typed again.
-                    error->setText(toQString(*refusal));
-                    error->show();
+                    ErrorLabel::show(*error, *refusal);
                     amountEdit->setFocus();
                     return;
                 }
